@@ -1,0 +1,64 @@
+#include "cli/command.h"
+#include "db/connection.h"
+#include "db/project.h"
+
+namespace cli {
+
+namespace {
+
+void newOptions(QCommandLineParser& parser) {
+  parser.addOption({QStringLiteral("demo"),
+                    QStringLiteral("Also add the demo package with two surveyed sections.")});
+  parser.addPositionalArgument(QStringLiteral("FILE"),
+                               QStringLiteral("The project file to create (.delvane)."));
+}
+
+int newProject(Context& context) {
+  const QStringList files = context.parser.positionalArguments();
+  if (files.size() != 1) return usageError(context, QStringLiteral("give exactly one FILE."));
+  try {
+    db::createProject(files.first(), context.parser.isSet(QStringLiteral("demo")));
+  } catch (const db::Error& e) {
+    context.err << e.message() << "\n";
+    return kCannotOpen;
+  }
+  context.out << "Created " << files.first() << "\n";
+  return kOk;
+}
+
+void fileOption(QCommandLineParser& parser) {
+  parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The project file."));
+}
+
+int listSections(Context& context) {
+  const QStringList files = context.parser.positionalArguments();
+  if (files.size() != 1) return usageError(context, QStringLiteral("give exactly one FILE."));
+  auto connection = openProjectOrReport(context, files.first());
+  if (!connection) return kCannotOpen;
+  try {
+    db::Statement st = connection->prepare(
+        QStringLiteral("SELECT p.ID, p.Name, s.ID, s.Description FROM Sections s JOIN Package p "
+                       "ON p.ID = s.PackageID ORDER BY p.District, p.Name, p.ID, s.Description, "
+                       "s.ID"),
+        QStringLiteral("Listing the sections"));
+    while (st.step())
+      context.out << st.text(0) << '\t' << st.text(1) << '\t' << st.text(2) << '\t' << st.text(3)
+                  << '\n';
+  } catch (const db::Error& e) {
+    context.err << files.first() << ": " << e.message() << "\n";
+    return kCannotOpen;
+  }
+  return kOk;
+}
+
+}  // namespace
+
+const Command kProjectCommands[] = {
+    {"new", "Create a project file with the canal design template (and the demo data).", newOptions,
+     newProject},
+    {"sections", "List the sections: package ID, package name, section ID, description.",
+     fileOption, listSections},
+};
+const int kProjectCommandCount = std::size(kProjectCommands);
+
+}  // namespace cli

@@ -1,0 +1,312 @@
+#include "db/connection.h"
+
+#include "db/numbers.h"
+
+#include <QFileInfo>
+#include <QLocale>
+
+#include <sqlite3.h>
+
+#include <cmath>
+#include <limits>
+
+namespace db {
+
+namespace {
+
+constexpr int kBusyTimeoutMs = 2000;
+
+QString describe(const QString& what, const QString& sqliteMessage) {
+  return what.isEmpty() ? sqliteMessage : what + QStringLiteral(": ") + sqliteMessage;
+}
+
+}  // namespace
+
+Error::Error(const QString& message) : std::runtime_error(message.toStdString()) {}
+
+bool ColumnInfo::isNumeric() const {
+  const QString t = declaredType;
+  return t.contains(QLatin1String("INT")) || t.contains(QLatin1String("REAL")) ||
+         t.contains(QLatin1String("FLOA")) || t.contains(QLatin1String("DOUB")) ||
+         t.contains(QLatin1String("NUM")) || t.contains(QLatin1String("DEC")) ||
+         t.contains(QLatin1String("SINGLE")) || t.contains(QLatin1String("CURRENCY"));
+}
+
+// ---- Statement ------------------------------------------------------------------------------
+
+Statement::Statement(Connection* connection, sqlite3_stmt* statement, QString sql, QString what)
+    : m_connection(connection), m_stmt(statement), m_sql(std::move(sql)), m_what(std::move(what)) {}
+
+Statement::Statement(Statement&& other) noexcept
+    : m_connection(other.m_connection),
+      m_stmt(other.m_stmt),
+      m_sql(std::move(other.m_sql)),
+      m_what(std::move(other.m_what)) {
+  other.m_stmt = nullptr;
+}
+
+Statement& Statement::operator=(Statement&& other) noexcept {
+  if (this != &other) {
+    sqlite3_finalize(m_stmt);
+    m_connection = other.m_connection;
+    m_stmt = other.m_stmt;
+    m_sql = std::move(other.m_sql);
+    m_what = std::move(other.m_what);
+    other.m_stmt = nullptr;
+  }
+  return *this;
+}
+
+Statement::~Statement() { sqlite3_finalize(m_stmt); }
+
+void Statement::fail(int rc) const {
+  QString message =
+      m_connection ? m_connection->lastErrorText() : QString::fromUtf8(sqlite3_errstr(rc));
+  throw Error(describe(m_what.isEmpty() ? m_sql : m_what, message));
+}
+
+Statement& Statement::bindMeasure(int index, float value) {
+  return bindDouble(index, measureToDouble(value));
+}
+
+Statement& Statement::bindMeasure(int index, std::optional<float> value) {
+  return value ? bindMeasure(index, *value) : bindNull(index);
+}
+
+Statement& Statement::bindKey(int index, std::int32_t value) { return bindInt64(index, value); }
+
+Statement& Statement::bindInt64(int index, std::int64_t value) {
+  if (int rc = sqlite3_bind_int64(m_stmt, index, value); rc != SQLITE_OK) fail(rc);
+  return *this;
+}
+
+Statement& Statement::bindDouble(int index, double value) {
+  if (int rc = sqlite3_bind_double(m_stmt, index, value); rc != SQLITE_OK) fail(rc);
+  return *this;
+}
+
+Statement& Statement::bindText(int index, const QString& value) {
+  const QByteArray utf8 = value.toUtf8();
+  if (int rc = sqlite3_bind_text(m_stmt, index, utf8.constData(), static_cast<int>(utf8.size()),
+                                 SQLITE_TRANSIENT);
+      rc != SQLITE_OK)
+    fail(rc);
+  return *this;
+}
+
+Statement& Statement::bindNull(int index) {
+  if (int rc = sqlite3_bind_null(m_stmt, index); rc != SQLITE_OK) fail(rc);
+  return *this;
+}
+
+bool Statement::step() {
+  int rc = sqlite3_step(m_stmt);
+  if (rc == SQLITE_ROW) return true;
+  if (rc == SQLITE_DONE) return false;
+  fail(rc);
+}
+
+void Statement::run() {
+  while (step()) {
+  }
+}
+
+void Statement::reset() {
+  sqlite3_reset(m_stmt);
+  sqlite3_clear_bindings(m_stmt);
+}
+
+int Statement::columnCount() const { return sqlite3_column_count(m_stmt); }
+
+QString Statement::columnName(int column) const {
+  return QString::fromUtf8(sqlite3_column_name(m_stmt, column));
+}
+
+bool Statement::isNull(int column) const {
+  return sqlite3_column_type(m_stmt, column) == SQLITE_NULL;
+}
+
+int Statement::storageClass(int column) const { return sqlite3_column_type(m_stmt, column); }
+
+float Statement::measure(int column) const { return optionalMeasure(column).value_or(0.0f); }
+
+std::optional<float> Statement::optionalMeasure(int column) const {
+  switch (sqlite3_column_type(m_stmt, column)) {
+    case SQLITE_NULL:
+      return std::nullopt;
+    case SQLITE_INTEGER:
+    case SQLITE_FLOAT:
+      return doubleToMeasure(sqlite3_column_double(m_stmt, column));
+    default: {
+      bool ok = false;
+      double v = text(column).trimmed().toDouble(&ok);
+      return ok ? std::optional<float>(doubleToMeasure(v)) : std::nullopt;
+    }
+  }
+}
+
+double Statement::real(int column) const { return sqlite3_column_double(m_stmt, column); }
+
+std::int32_t Statement::key(int column) const {
+  const std::int64_t v = sqlite3_column_int64(m_stmt, column);
+  if (v > std::numeric_limits<std::int32_t>::max() || v < std::numeric_limits<std::int32_t>::min())
+    return 0;
+  return static_cast<std::int32_t>(v);
+}
+
+std::int64_t Statement::int64(int column) const { return sqlite3_column_int64(m_stmt, column); }
+
+QString Statement::text(int column) const {
+  switch (sqlite3_column_type(m_stmt, column)) {
+    case SQLITE_NULL:
+      return {};
+    case SQLITE_INTEGER:
+      return QString::number(sqlite3_column_int64(m_stmt, column));
+    case SQLITE_FLOAT: {
+      // A double in its shortest round-trip form.
+      const double v = sqlite3_column_double(m_stmt, column);
+      if (std::isfinite(v) && v == std::floor(v) && std::fabs(v) < 1e15)
+        return QString::number(static_cast<qint64>(v));
+      return QString::number(v, 'g', QLocale::FloatingPointShortest);
+    }
+    default: {
+      const auto* p = reinterpret_cast<const char*>(sqlite3_column_text(m_stmt, column));
+      return QString::fromUtf8(p, sqlite3_column_bytes(m_stmt, column));
+    }
+  }
+}
+
+// ---- Connection -----------------------------------------------------------------------------
+
+Connection::Connection(sqlite3* db, QString path) : m_db(db), m_path(std::move(path)) {}
+
+Connection::~Connection() { sqlite3_close_v2(m_db); }
+
+std::unique_ptr<Connection> Connection::open(const QString& path, Mode mode) {
+  if (mode == Mode::OpenExisting && !QFileInfo(path).isFile())
+    throw Error(QStringLiteral("The project file \"%1\" does not exist.").arg(path));
+  if (mode == Mode::Create && QFileInfo::exists(path))
+    throw Error(QStringLiteral("The file \"%1\" already exists.").arg(path));
+
+  sqlite3* raw = nullptr;
+  const int flags = SQLITE_OPEN_READWRITE | (mode == Mode::Create ? SQLITE_OPEN_CREATE : 0);
+  int rc = sqlite3_open_v2(path.toUtf8().constData(), &raw, flags, nullptr);
+  std::unique_ptr<Connection> connection(new Connection(raw, path));
+  if (rc != SQLITE_OK)
+    throw Error(QStringLiteral("The project file \"%1\" cannot be opened: %2.")
+                    .arg(path, QString::fromUtf8(raw ? sqlite3_errmsg(raw) : sqlite3_errstr(rc))));
+  sqlite3_busy_timeout(raw, kBusyTimeoutMs);
+  sqlite3_extended_result_codes(raw, 1);
+
+  // sqlite3_open_v2 is lazy: reading the schema is what tells a database from any other file,
+  // and taking a shared lock is what tells that another program holds it.
+  sqlite3_stmt* probe = nullptr;
+  rc = sqlite3_prepare_v2(raw, "SELECT count(*) FROM sqlite_master", -1, &probe, nullptr);
+  if (rc == SQLITE_OK) rc = sqlite3_step(probe);
+  sqlite3_finalize(probe);
+  if (rc != SQLITE_ROW) {
+    const int primary = rc & 0xff;
+    QString reason;
+    if (primary == SQLITE_NOTADB)
+      reason = QStringLiteral("it is not a Delvane project file (not an SQLite database)");
+    else if (primary == SQLITE_BUSY || primary == SQLITE_LOCKED)
+      reason = QStringLiteral("it is locked by another program");
+    else
+      reason = QString::fromUtf8(sqlite3_errmsg(raw));
+    throw Error(QStringLiteral("The project file \"%1\" cannot be opened: %2.").arg(path, reason));
+  }
+  return connection;
+}
+
+QString Connection::lastErrorText() const { return QString::fromUtf8(sqlite3_errmsg(m_db)); }
+
+Statement Connection::prepare(const QString& sql, const QString& what) {
+  sqlite3_stmt* stmt = nullptr;
+  const QByteArray utf8 = sql.toUtf8();
+  int rc =
+      sqlite3_prepare_v2(m_db, utf8.constData(), static_cast<int>(utf8.size()), &stmt, nullptr);
+  if (rc != SQLITE_OK) {
+    sqlite3_finalize(stmt);
+    throw Error(describe(what.isEmpty() ? sql : what, lastErrorText()));
+  }
+  return Statement(this, stmt, sql, what);
+}
+
+void Connection::exec(const QString& sql, const QString& what) { prepare(sql, what).run(); }
+
+std::optional<double> Connection::scalar(const QString& sql, const QString& what) {
+  Statement st = prepare(sql, what);
+  if (!st.step() || st.isNull(0)) return std::nullopt;
+  return st.real(0);
+}
+
+bool Connection::tableExists(const QString& table) {
+  Statement st = prepare(
+      QStringLiteral("SELECT 1 FROM sqlite_master WHERE type IN ('table','view') AND name=? "
+                     "COLLATE NOCASE"),
+      QStringLiteral("Looking for table %1").arg(table));
+  st.bindText(1, table);
+  return st.step();
+}
+
+std::vector<ColumnInfo> Connection::columns(const QString& table) {
+  std::vector<ColumnInfo> out;
+  Statement st = prepare(QStringLiteral("SELECT name, type FROM pragma_table_info(?)"),
+                         QStringLiteral("Reading the columns of %1").arg(table));
+  st.bindText(1, table);
+  while (st.step()) out.push_back({st.text(0), st.text(1).toUpper()});
+  return out;
+}
+
+std::int64_t Connection::changes() const { return sqlite3_changes64(m_db); }
+
+std::int64_t Connection::lastInsertRowId() const { return sqlite3_last_insert_rowid(m_db); }
+
+// ---- Transaction / Savepoint ------------------------------------------------------------------
+
+Transaction::Transaction(Connection& connection) : m_connection(connection) {
+  m_connection.exec(QStringLiteral("BEGIN"), QStringLiteral("Starting a transaction"));
+}
+
+Transaction::~Transaction() {
+  if (m_open) sqlite3_exec(m_connection.handle(), "ROLLBACK", nullptr, nullptr, nullptr);
+}
+
+void Transaction::commit() {
+  m_connection.exec(QStringLiteral("COMMIT"), QStringLiteral("Committing the transaction"));
+  m_open = false;
+}
+
+Savepoint::Savepoint(Connection& connection, QString name)
+    : m_connection(connection), m_name(std::move(name)) {
+  m_connection.exec(QStringLiteral("SAVEPOINT ") + quoteName(m_name));
+}
+
+Savepoint::~Savepoint() {
+  if (m_open) {
+    try {
+      rollback();
+    } catch (const Error&) {
+      // The enclosing transaction is gone; nothing is left to undo.
+    }
+  }
+}
+
+void Savepoint::release() {
+  m_connection.exec(QStringLiteral("RELEASE ") + quoteName(m_name));
+  m_open = false;
+}
+
+void Savepoint::rollback() {
+  m_open = false;
+  m_connection.exec(QStringLiteral("ROLLBACK TO ") + quoteName(m_name));
+  m_connection.exec(QStringLiteral("RELEASE ") + quoteName(m_name));
+}
+
+QString quoteName(const QString& name) {
+  QString escaped = name;
+  escaped.replace(QLatin1Char(']'), QLatin1String("]]"));
+  return QLatin1Char('[') + escaped + QLatin1Char(']');
+}
+
+}  // namespace db

@@ -1,0 +1,38 @@
+#include "db/numbers.h"
+
+#include <charconv>
+#include <cmath>
+#include <cstdlib>
+
+namespace db {
+
+namespace {
+
+// Writes the shortest round-trip text of value into buf; returns its length.
+int shortestText(float value, char* buf, int size) {
+  if (std::isnan(value)) return snprintf(buf, size, "NaN");
+  if (std::isinf(value)) return snprintf(buf, size, value > 0 ? "Infinity" : "-Infinity");
+  if (value == 0.0f) value = 0.0f;  // no "-0"
+  auto result = std::to_chars(buf, buf + size, value);
+  return static_cast<int>(result.ptr - buf);
+}
+
+}  // namespace
+
+QString floatText(float value) {
+  char buf[64];
+  int n = shortestText(value, buf, sizeof buf);
+  return QString::fromLatin1(buf, n);
+}
+
+double measureToDouble(float value) {
+  if (!std::isfinite(value)) return static_cast<double>(value);
+  char buf[64];
+  int n = shortestText(value, buf, sizeof buf - 1);
+  buf[n] = '\0';
+  double out = 0.0;
+  std::from_chars(buf, buf + n, out);
+  return out;
+}
+
+}  // namespace db

@@ -1,0 +1,295 @@
+#include "db/project.h"
+
+#include "db/connection.h"
+#include "db/schema.h"
+
+#include <QFile>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <vector>
+
+namespace db {
+
+namespace {
+
+// The earthen canal: a bed at the centre-line design level, inner slopes up to the bank top,
+// the bank top, and outer slopes that the catch-point search extends with SRS_LEFT/SRS_RIGHT.
+struct ProfileRow {
+  const char* lcr;
+  const char* offset;
+  const char* value;
+};
+const ProfileRow kCanalProfile[] = {
+    {"C", "0", "$CL"},
+    {"L", "$BED_WIDTH/2", "$CL"},
+    {"R", "$BED_WIDTH/2", "$CL"},
+    {"L", "$LP_Off+($FSD+$FREEBOARD)*$INNER_SLOPE", "$CL+$FSD+$FREEBOARD"},
+    {"R", "$RP_Off+($FSD+$FREEBOARD)*$INNER_SLOPE", "$CL+$FSD+$FREEBOARD"},
+    {"L", "$LP_Off+$BANK_WIDTH", "$LP_Val"},
+    {"R", "$RP_Off+$BANK_WIDTH", "$RP_Val"},
+};
+
+// Deterministic across compilers and standard libraries, unlike <random>'s distributions.
+class SplitMix {
+ public:
+  explicit SplitMix(std::uint64_t seed) : m_state(seed) {}
+  double uniform() {  // [0, 1)
+    std::uint64_t z = (m_state += 0x9E3779B97F4A7C15ull);
+    z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ull;
+    z = (z ^ (z >> 27)) * 0x94D049BB133111EBull;
+    z ^= z >> 31;
+    return static_cast<double>(z >> 11) * (1.0 / 9007199254740992.0);
+  }
+  double between(double lo, double hi) { return lo + (hi - lo) * uniform(); }
+  int integer(int lo, int hi) { return lo + static_cast<int>(uniform() * (hi - lo + 1)); }
+
+ private:
+  std::uint64_t m_state;
+};
+
+struct Details {
+  float chainage, bedWidth, fsd, freeboard, innerSlope, bankWidth, srsLeft, srsRight;
+};
+
+float round3(double v) { return static_cast<float>(std::round(v * 1000.0) / 1000.0); }
+
+void writeTemplate(Connection& c) {
+  Statement exp = c.prepare(QStringLiteral("INSERT INTO DesignExp (DesignID, Serial, LCR, Offset, "
+                                           "Value) VALUES (1, ?, ?, ?, ?)"),
+                            QStringLiteral("Writing the design template"));
+  int serial = 1;
+  for (const ProfileRow& row : kCanalProfile) {
+    exp.bindKey(1, serial++)
+        .bindText(2, QString::fromLatin1(row.lcr))
+        .bindText(3, QString::fromLatin1(row.offset))
+        .bindText(4, QString::fromLatin1(row.value));
+    exp.run();
+    exp.reset();
+  }
+  c.exec(QStringLiteral("INSERT INTO QtyDefine (DesignID, ColNo, QType, StartOffset, EndOffset, "
+                        "LRB) VALUES (1, 1, 'CUT', '0', '100', 'B'), (1, 2, 'FILL', '0', '100', "
+                        "'B')"),
+         QStringLiteral("Writing the quantity columns"));
+  c.exec(QStringLiteral("INSERT INTO DesignList (ID, Name) VALUES (1, 'EarthenCanal')"),
+         QStringLiteral("Writing the design list"));
+}
+
+// Centre-line bed level of the demo canal: falling 0.2 m per km from 251.000.
+double bedLevelAt(double chainageKm) { return 251.0 - 0.2 * chainageKm; }
+
+const Details& detailsAt(const std::vector<Details>& rows, double chainage) {
+  const Details* in = &rows.front();
+  for (const Details& d : rows)
+    if (d.chainage <= chainage + 1e-6) in = &d;
+  return *in;
+}
+
+// The finished surface at a signed offset: the design template with its outer slopes.
+double designSurfaceAt(const Details& d, double bed, double offset) {
+  const double x = std::fabs(offset);
+  const double top = bed + d.fsd + d.freeboard;
+  const double bedEdge = d.bedWidth / 2.0;
+  const double bankInner = bedEdge + (d.fsd + d.freeboard) * d.innerSlope;
+  const double bankOuter = bankInner + d.bankWidth;
+  if (x <= bedEdge) return bed;
+  if (x <= bankInner) return bed + (x - bedEdge) / d.innerSlope;
+  if (x <= bankOuter) return top;
+  const double slope = offset < 0 ? d.srsLeft : d.srsRight;
+  return top - (x - bankOuter) / slope;
+}
+
+struct SectionPlan {
+  const char* description;
+  const char* title;
+  double fromKm, toKm;
+  std::vector<Details> details;
+  double executedToKm;  // executed levels surveyed from fromKm up to here; < fromKm for none
+};
+
+void writeSection(Connection& c, std::int32_t sectionId, const SectionPlan& plan, SplitMix& rng) {
+  Statement initial = c.prepare(
+      QStringLiteral("INSERT INTO Initial (Chainage, Offset, Level, SectionID) VALUES (?,?,?,?)"),
+      QStringLiteral("Writing the demo ground levels"));
+  Statement executed = c.prepare(
+      QStringLiteral("INSERT INTO Executed (Chainage, Offset, Level, SectionID) VALUES (?,?,?,?)"),
+      QStringLiteral("Writing the demo executed levels"));
+  Statement qty =
+      c.prepare(QStringLiteral("INSERT INTO DesignQty (SectionID, Chainage) VALUES (?, ?)"),
+                QStringLiteral("Writing the demo quantity chainages"));
+
+  // Ground: a long wave along the canal, a cross fall, and local roughness.
+  const double phase = rng.between(0.0, 6.28);
+  const int count = static_cast<int>(std::lround((plan.toKm - plan.fromKm) / 0.020)) + 1;
+  for (int k = 0; k < count; ++k) {
+    const float chainage = round3(plan.fromKm + 0.020 * k);
+    const double bed = bedLevelAt(chainage);
+    const double along =
+        1.2 + 0.9 * std::sin(chainage * 2.3 + phase) + 0.4 * std::sin(chainage * 9.1);
+    const double crossFall = 0.04 * std::sin(chainage * 1.7 + phase);
+    const int readings = rng.integer(15, 40);
+    const double halfWidth = rng.between(24.0, 34.0);
+
+    std::vector<double> offsets{0.0};
+    for (int i = 1; i < readings; ++i) offsets.push_back(rng.between(-halfWidth, halfWidth));
+    std::sort(offsets.begin(), offsets.end());
+    offsets.erase(std::unique(offsets.begin(), offsets.end(),
+                              [](double a, double b) { return std::fabs(a - b) < 0.25; }),
+                  offsets.end());
+
+    const Details& d = detailsAt(plan.details, chainage);
+    const bool withExecuted = chainage <= plan.executedToKm + 1e-6;
+    for (double offset : offsets) {
+      const float off = offset == 0.0 ? 0.0f : static_cast<float>(std::round(offset * 10.0) / 10.0);
+      const double ground = bed + along + crossFall * off +
+                            0.15 * std::sin(off * 0.7 + chainage * 40.0) + rng.between(-0.05, 0.05);
+      initial.bindMeasure(1, chainage)
+          .bindMeasure(2, off)
+          .bindMeasure(3, round3(ground))
+          .bindKey(4, sectionId);
+      initial.run();
+      initial.reset();
+      if (withExecuted) {
+        const double finished = designSurfaceAt(d, bed, off);
+        // Outside the works the ground is untouched.
+        const double level = std::fabs(finished - ground) < 1e-9 || finished < ground - 3.0
+                                 ? ground
+                                 : finished + rng.between(-0.04, 0.04);
+        executed.bindMeasure(1, chainage)
+            .bindMeasure(2, off)
+            .bindMeasure(3, round3(level))
+            .bindKey(4, sectionId);
+        executed.run();
+        executed.reset();
+      }
+    }
+    qty.bindKey(1, sectionId).bindMeasure(2, chainage);
+    qty.run();
+    qty.reset();
+  }
+
+  Statement levels = c.prepare(
+      QStringLiteral("INSERT INTO DesignLevels (Chainage, Level, SectionID) VALUES (?, ?, ?)"),
+      QStringLiteral("Writing the demo design levels"));
+  for (double km = plan.fromKm; km <= plan.toKm + 1e-9; km += 0.5) {
+    const float at = round3(std::min(km, plan.toKm));
+    levels.bindMeasure(1, at).bindMeasure(2, round3(bedLevelAt(at))).bindKey(3, sectionId);
+    levels.run();
+    levels.reset();
+  }
+  if (std::fmod(plan.toKm - plan.fromKm, 0.5) > 1e-6) {
+    levels.bindMeasure(1, round3(plan.toKm))
+        .bindMeasure(2, round3(bedLevelAt(plan.toKm)))
+        .bindKey(3, sectionId);
+    levels.run();
+  }
+
+  Statement details = c.prepare(
+      QStringLiteral("INSERT INTO DesignDetails (Chainage, BED_WIDTH, FSD, FREEBOARD, INNER_SLOPE, "
+                     "BANK_WIDTH, SRS_LEFT, SRS_RIGHT, SectionID) VALUES (?,?,?,?,?,?,?,?,?)"),
+      QStringLiteral("Writing the demo design details"));
+  for (const Details& d : plan.details) {
+    details.bindMeasure(1, d.chainage)
+        .bindMeasure(2, d.bedWidth)
+        .bindMeasure(3, d.fsd)
+        .bindMeasure(4, d.freeboard)
+        .bindMeasure(5, d.innerSlope)
+        .bindMeasure(6, d.bankWidth)
+        .bindMeasure(7, d.srsLeft)
+        .bindMeasure(8, d.srsRight)
+        .bindKey(9, sectionId);
+    details.run();
+    details.reset();
+  }
+
+  Statement outlet = c.prepare(
+      QStringLiteral("INSERT INTO Outlets (SectionID, Chainage, Name, Side, SillLevel, Discharge) "
+                     "VALUES (?, ?, ?, ?, ?, ?)"),
+      QStringLiteral("Writing the demo outlets"));
+  for (int i = 0; i < 3; ++i) {
+    const float at = round3(plan.fromKm + (plan.toKm - plan.fromKm) * (0.2 + 0.3 * i));
+    outlet.bindKey(1, sectionId)
+        .bindMeasure(2, at)
+        .bindText(3, QStringLiteral("OT %1").arg(sectionId * 10 + i + 1))
+        .bindText(4, i % 2 == 0 ? QStringLiteral("L") : QStringLiteral("R"))
+        .bindMeasure(5, round3(bedLevelAt(at) + 0.8))
+        .bindMeasure(6, static_cast<float>(0.25 + 0.15 * i));
+    outlet.run();
+    outlet.reset();
+  }
+}
+
+void writeDemo(Connection& c) {
+  c.exec(QStringLiteral("INSERT INTO Package (ID, Name, Phase, District) VALUES "
+                        "(1, 'Right Main Canal', '2025', 'Nalgonda')"),
+         QStringLiteral("Writing the demo package"));
+  const SectionPlan plans[] = {
+      {"RMC km 0.000 to 4.000",
+       "Right Main Canal, Reach 1",
+       0.0,
+       4.0,
+       {{0.0f, 6.0f, 2.0f, 0.6f, 1.5f, 4.0f, 2.0f, 2.0f},
+        {1.5f, 5.5f, 1.9f, 0.6f, 1.5f, 4.0f, 2.0f, 2.0f},
+        {3.02f, 5.0f, 1.8f, 0.5f, 1.5f, 3.5f, 2.0f, 2.5f}},
+       1.0},
+      {"RMC km 4.000 to 7.000",
+       "Right Main Canal, Reach 2",
+       4.0,
+       7.0,
+       {{4.0f, 4.5f, 1.7f, 0.5f, 1.5f, 3.5f, 2.0f, 2.0f},
+        {5.5f, 4.0f, 1.6f, 0.5f, 1.5f, 3.0f, 1.5f, 1.5f}},
+       -1.0},
+  };
+  SplitMix rng(20261122);
+  std::int32_t id = 1;
+  for (const SectionPlan& plan : plans) {
+    c.prepare(QStringLiteral("INSERT INTO Sections (ID, PackageID, Description, Title, DesignID) "
+                             "VALUES (?, 1, ?, ?, 1)"),
+              QStringLiteral("Writing the demo sections"))
+        .bindKey(1, id)
+        .bindText(2, QString::fromLatin1(plan.description))
+        .bindText(3, QString::fromLatin1(plan.title))
+        .run();
+    writeSection(c, id, plan, rng);
+    ++id;
+  }
+}
+
+}  // namespace
+
+std::unique_ptr<Connection> openProject(const QString& path) {
+  auto connection = Connection::open(path);
+  for (const QString& table : requiredTables()) {
+    if (!connection->tableExists(table))
+      throw Error(QStringLiteral("The file \"%1\" is not a Delvane project file: the table %2 is "
+                                 "missing.")
+                      .arg(path, table));
+  }
+  try {
+    ensureIndexes(*connection);
+  } catch (const Error&) {
+    // A read-only file still opens; its queries are merely slower.
+  }
+  return connection;
+}
+
+QString demoProjectFileName() { return QStringLiteral("Demo.delvane"); }
+
+void createProject(const QString& path, bool demo) {
+  auto connection = Connection::open(path, Connection::Mode::Create);
+  try {
+    createSchema(*connection);
+    Transaction data(*connection);
+    writeTemplate(*connection);
+    if (demo) writeDemo(*connection);
+    data.commit();
+  } catch (const Error& e) {
+    connection.reset();
+    QFile::remove(path);
+    throw Error(
+        QStringLiteral("The project file \"%1\" could not be written: %2").arg(path, e.message()));
+  }
+}
+
+}  // namespace db

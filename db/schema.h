@@ -1,0 +1,41 @@
+#pragma once
+
+#include "db/connection.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <cstdint>
+
+namespace db {
+
+// The tables every project file must hold, in the order they are checked.
+QStringList requiredTables();
+
+// Writes the empty tables of a new project file (no rows). The connection is on a new, empty
+// database.
+void createSchema(Connection& connection);
+
+// Adds the per-chainage indexes when the file lacks them; harmless on a file that has them.
+// Missing tables are skipped: their absence is reported by whoever needs them.
+void ensureIndexes(Connection& connection);
+
+// The next free key of Package or Sections: MAX(ID) + 1, or 1 for an empty table.
+std::int32_t GetNextID(Connection& connection, const QString& table);
+
+// Removes the rows left without a parent after Package rows were deleted: sections of missing
+// packages first, then the data rows of missing sections.
+void DeleteOrphansAfterPackages(Connection& connection);
+// The same after Sections rows were deleted: data rows of missing sections only.
+void DeleteOrphansAfterSections(Connection& connection);
+
+// The rows the main window's Add command inserts. year: the current calendar year.
+std::int32_t AddPackage(Connection& connection, int year);
+std::int32_t AddSection(Connection& connection, std::int32_t packageId);
+// table: "Initial" or "Executed".
+void AddLevelRow(Connection& connection, const QString& table, std::int32_t sectionId,
+                 float chainage);
+// table: "DesignDetails", "DesignLevels" or "Outlets".
+void AddSectionRow(Connection& connection, const QString& table, std::int32_t sectionId);
+
+}  // namespace db

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "engine/designprofile.h"
+#include "engine/reporter.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace db {
+class Connection;
+}
+
+namespace engine {
+
+// Everything the engine keeps between calls for one open project: the design profile, and the
+// caches and result tables of the design and quantity computations. One per open project, so
+// two projects can be computed side by side; the caller passes in the current section and the
+// executed-levels switch.
+class EngineSession {
+ public:
+  EngineSession(db::Connection& connection, Reporter& reporter);
+
+  db::Connection& connection() const { return m_connection; }
+  Reporter& reporter() const { return m_reporter; }
+
+  // Loads design 1's profile; true when it failed (the user has been told why).
+  bool LoadDesignProfile();
+  const std::vector<DesignProfileRow>& designProfile() const { return m_profile; }
+
+  // The current section, 0 for none. Choosing a section marks its quantity chainages as out
+  // of date, as the main window's drill-down does.
+  void setSection(std::int32_t sectionId);
+  std::int32_t sectionId() const { return m_sectionId; }
+
+  // Whether areas are computed against the executed levels rather than the initial ground.
+  void setUseExecutedLevel(bool on) { m_useExecutedLevel = on; }
+  bool useExecutedLevel() const { return m_useExecutedLevel; }
+
+  // Level data changed: the next quantity run brings DesignQty's chainages in line first.
+  void markQuantityChainagesOutOfDate() { m_quantityChainagesOutOfDate = true; }
+  bool quantityChainagesOutOfDate() const { return m_quantityChainagesOutOfDate; }
+
+ private:
+  db::Connection& m_connection;
+  Reporter& m_reporter;
+  std::vector<DesignProfileRow> m_profile;
+  std::int32_t m_sectionId = 0;
+  bool m_useExecutedLevel = false;
+  bool m_quantityChainagesOutOfDate = false;
+};
+
+}  // namespace engine

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "db/connection.h"
+
+#include <QString>
+#include <QTemporaryDir>
+
+#include <memory>
+
+namespace testsupport {
+
+// A temporary folder that lives as long as the test, with helpers to make project files in it.
+class TempProject {
+ public:
+  TempProject();
+  // A fresh project file (schema and design template; demo data when asked), opened.
+  db::Connection& create(bool demo = false, const QString& name = QStringLiteral("test.delvane"));
+  QString path(const QString& name = QStringLiteral("test.delvane")) const;
+  db::Connection& connection() { return *m_connection; }
+  const QTemporaryDir& dir() const { return m_dir; }
+
+ private:
+  QTemporaryDir m_dir;
+  std::unique_ptr<db::Connection> m_connection;
+};
+
+// The number of rows of table, optionally restricted by a WHERE clause.
+int rowCount(db::Connection& connection, const QString& table, const QString& where = {});
+
+}  // namespace testsupport
