@@ -132,7 +132,10 @@ void writeSection(Connection& c, std::int32_t sectionId, const SectionPlan& plan
     const double halfWidth = rng.between(24.0, 34.0);
 
     std::vector<double> offsets{0.0};
-    for (int i = 1; i < readings; ++i) offsets.push_back(rng.between(-halfWidth, halfWidth));
+    for (int i = 1; i < readings; ++i) {
+      const double offset = rng.between(-halfWidth, halfWidth);
+      if (std::fabs(offset) >= 0.25) offsets.push_back(offset);  // the centre reading stays
+    }
     std::sort(offsets.begin(), offsets.end());
     offsets.erase(std::unique(offsets.begin(), offsets.end(),
                               [](double a, double b) { return std::fabs(a - b) < 0.25; }),
