@@ -1,6 +1,8 @@
 #pragma once
 
 #include "engine/designprofile.h"
+#include "engine/modvariables.h"
+#include "engine/numberformat.h"
 #include "engine/reporter.h"
 
 #include <cstdint>
@@ -39,6 +41,13 @@ class EngineSession {
   // Level data changed: the next quantity run brings DesignQty's chainages in line first.
   void markQuantityChainagesOutOfDate() { m_quantityChainagesOutOfDate = true; }
   bool quantityChainagesOutOfDate() const { return m_quantityChainagesOutOfDate; }
+  void clearQuantityChainagesMark() { m_quantityChainagesOutOfDate = false; }
+
+  // The symbols of formatted numbers in report cells and status texts.
+  void setNumberSymbols(const NumberSymbols& symbols) { m_symbols = symbols; }
+  const NumberSymbols& numberSymbols() const { return m_symbols; }
+
+  modVariables& variables() { return m_variables; }
 
  private:
   db::Connection& m_connection;
@@ -47,6 +56,8 @@ class EngineSession {
   std::int32_t m_sectionId = 0;
   bool m_useExecutedLevel = false;
   bool m_quantityChainagesOutOfDate = false;
+  NumberSymbols m_symbols;
+  modVariables m_variables;
 };
 
 }  // namespace engine
