@@ -1,9 +1,12 @@
 #pragma once
 
+#include "engine/designlevels.h"
 #include "engine/designprofile.h"
+#include "engine/designsection.h"
 #include "engine/modvariables.h"
 #include "engine/numberformat.h"
 #include "engine/reporter.h"
+#include "engine/validation.h"
 
 #include <cstdint>
 #include <vector>
@@ -49,6 +52,11 @@ class EngineSession {
 
   modVariables& variables() { return m_variables; }
 
+  // The design section with its details cache, the design-level cache, the level checks.
+  DesignState& design() { return m_design; }
+  DesignLevelState& levels() { return m_levels; }
+  ValidationState& validation() { return m_validation; }
+
  private:
   db::Connection& m_connection;
   Reporter& m_reporter;
@@ -58,6 +66,9 @@ class EngineSession {
   bool m_quantityChainagesOutOfDate = false;
   NumberSymbols m_symbols;
   modVariables m_variables;
+  DesignState m_design;
+  DesignLevelState m_levels;
+  ValidationState m_validation;
 };
 
 }  // namespace engine
