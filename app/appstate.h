@@ -9,6 +9,10 @@
 #include <cstdint>
 #include <memory>
 
+namespace sheets {
+class MouseWheelModule;
+}
+
 namespace app {
 
 class DesktopReporter;
@@ -28,6 +32,9 @@ struct AppState {
   // bar), and the engine's state for the open project.
   DesktopReporter* reporter = nullptr;
   std::unique_ptr<engine::EngineSession> engine;
+
+  // The mouse-wheel forwarding; wheel-aware windows hook themselves to it while active.
+  sheets::MouseWheelModule* mouseWheel = nullptr;
 };
 
 }  // namespace app

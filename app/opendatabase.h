@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QString>
+
+#include <memory>
+
+class QWidget;
+
+namespace db {
+class Connection;
+}
+
+namespace app {
+
+struct AppState;
+
+// The folder the chooser lists: the program's folder + "/Data/" when that folder exists,
+// otherwise the per-user application data folder + "/Data/", created when missing. Ends
+// with '/'.
+QString dataFolder();
+
+// Writes the demo project into folder (ending with '/') when the folder holds no project file.
+// Throws db::Error when it cannot be written.
+void ensureDemoProject(const QString& folder);
+
+enum class OpenResult {
+  Opened,     // the new project is open and its design profile loaded
+  Cancelled,  // the user cancelled; nothing changed
+  Refused,    // the file holds no usable design profile (the user has been told); the caller
+              // ends the program
+};
+
+// Lets the user choose a project file in the data folder and opens it: on success the state
+// holds the new connection and engine session (the old ones are closed), the path, and no
+// current package or section. At start-up the demo project is first written into an empty
+// data folder. On Refused the refused file's connection is already closed and the state
+// still holds the previous project, if any.
+OpenResult OpenDatabase(AppState& state, QWidget* parent, bool atStartup);
+
+// The same for a file already open: checks its design profile and makes it the state's
+// project. Used by OpenDatabase and by tests.
+OpenResult adoptProject(AppState& state, std::unique_ptr<db::Connection> connection,
+                        const QString& path);
+
+}  // namespace app
