@@ -1,10 +1,12 @@
 #pragma once
 
+#include "engine/areas.h"
 #include "engine/designlevels.h"
 #include "engine/designprofile.h"
 #include "engine/designsection.h"
 #include "engine/modvariables.h"
 #include "engine/numberformat.h"
+#include "engine/quantities.h"
 #include "engine/reporter.h"
 #include "engine/validation.h"
 
@@ -57,6 +59,10 @@ class EngineSession {
   DesignLevelState& levels() { return m_levels; }
   ValidationState& validation() { return m_validation; }
 
+  // What the last area computation and the last quantity run left.
+  AreaState& areas() { return m_areas; }
+  QuantityRunState& quantityRun() { return m_run; }
+
  private:
   db::Connection& m_connection;
   Reporter& m_reporter;
@@ -69,6 +75,8 @@ class EngineSession {
   DesignState m_design;
   DesignLevelState m_levels;
   ValidationState m_validation;
+  AreaState m_areas;
+  QuantityRunState m_run;
 };
 
 }  // namespace engine
