@@ -53,7 +53,7 @@ class DesktopReporter : public engine::Reporter {
   // The shared progress window, created on first use.
   frmProgress& progress();
   // The error list while it is open, otherwise null.
-  dlgErrorForm* errorForm() const { return m_errorForm; }
+  dlgErrorForm* errorForm() const;
   // True while the error list exists.
   bool blnErrorListLoaded() const { return m_blnErrorListLoaded; }
 

@@ -1,0 +1,79 @@
+#include "app/frmprogress.h"
+
+#include "sheets/captiondrag.h"
+
+#include <QFrame>
+#include <QGuiApplication>
+#include <QLabel>
+#include <QProgressBar>
+#include <QScreen>
+#include <QVBoxLayout>
+
+namespace app {
+
+frmProgress::frmProgress(QWidget* parent)
+    : QWidget(parent, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint) {
+  setObjectName(QStringLiteral("frmProgress"));
+  setAttribute(Qt::WA_QuitOnClose, false);
+
+  auto* frame = new QFrame(this);
+  frame->setFrameShape(QFrame::Box);
+  auto* outer = new QVBoxLayout(this);
+  outer->setContentsMargins(0, 0, 0, 0);
+  outer->addWidget(frame);
+
+  m_wnTitle = new QLabel(QStringLiteral("  Progress"), frame);
+  m_wnTitle->setObjectName(QStringLiteral("wnTitle"));
+  m_wnTitle->setAutoFillBackground(true);
+  QPalette captionColours = m_wnTitle->palette();
+  captionColours.setColor(QPalette::Window, captionColours.color(QPalette::Highlight));
+  captionColours.setColor(QPalette::WindowText, captionColours.color(QPalette::HighlightedText));
+  m_wnTitle->setPalette(captionColours);
+  m_wnTitle->setMinimumHeight(20);
+  new sheets::CaptionDrag(m_wnTitle);
+
+  m_progressName = new QLabel(QStringLiteral("Task Progress"), frame);
+  m_progressName->setObjectName(QStringLiteral("progressName"));
+
+  m_progressBar1 = new QProgressBar(frame);
+  m_progressBar1->setObjectName(QStringLiteral("ProgressBar1"));
+  m_progressBar1->setRange(0, 100);
+  m_progressBar1->setValue(0);
+
+  auto* layout = new QVBoxLayout(frame);
+  layout->setContentsMargins(1, 1, 1, 8);
+  layout->addWidget(m_wnTitle);
+  auto* body = new QVBoxLayout;
+  body->setContentsMargins(10, 6, 10, 0);
+  body->addWidget(m_progressName);
+  body->addWidget(m_progressBar1);
+  layout->addLayout(body);
+
+  setFixedSize(380, 100);
+}
+
+void frmProgress::SetProperties(const QString& caption, int maximum, bool showBar) {
+  m_progressName->setText(caption);
+  if (maximum > 0) m_progressBar1->setMaximum(maximum);
+  m_progressBar1->setVisible(showBar);
+}
+
+void frmProgress::UpdateValue(int value) {
+  if (value < m_progressBar1->minimum() || value > m_progressBar1->maximum()) return;
+  m_progressBar1->setValue(value);
+}
+
+void frmProgress::resizeEvent(QResizeEvent* event) {
+  QWidget::resizeEvent(event);
+  centreOnScreen();
+}
+
+void frmProgress::centreOnScreen() {
+  const QScreen* screen = this->screen();
+  if (!screen) screen = QGuiApplication::primaryScreen();
+  if (!screen) return;
+  const QRect area = screen->geometry();
+  move(area.left() + area.width() / 2 - width() / 2, area.top() + area.height() / 2 - height() / 2);
+}
+
+}  // namespace app
