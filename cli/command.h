@@ -67,5 +67,7 @@ class ConsoleReporter : public engine::Reporter {
 // The commands of each file, collected by run().
 extern const Command kProjectCommands[];
 extern const int kProjectCommandCount;
+extern const Command kDesignCommands[];
+extern const int kDesignCommandCount;
 
 }  // namespace cli
