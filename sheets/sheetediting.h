@@ -104,6 +104,12 @@ class SheetEditing : public QObject {
   void paintRange(bool highlighted);
   void pushUndo(const QString& text, int col, int row);
   void notifyCellsChanged();
+  void setDirty();
+  bool shiftHeld() const;
+  QString pasteAt(const QString& text, int startRow, int startCol);
+  void openEditor(bool caretMode);
+  QString editorText() const;
+  void escapeEdit();
 
   // Grid events.
   void onCellClicked(int row, int col);
@@ -112,7 +118,7 @@ class SheetEditing : public QObject {
   void onMouseUp(int row, int col);
   void onCurrentCellChanged(int row, int col);
   void onEditorOpened();
-  void onEditorClosed();
+  void onEditorClosed(int row, int col);
   void onCellValueChanged();
   void onKeyDown(int key, Qt::KeyboardModifiers modifiers, bool& handled);
   void onKeyPress(QChar character, bool& handled);
@@ -128,6 +134,12 @@ class SheetEditing : public QObject {
   bool m_caretMode = false;
   bool m_snapshotTaken = false;
   bool m_mouseHeld = false;
+  // The mouse moved to another cell while held; the click that ends it keeps the rectangle.
+  bool m_dragging = false;
+  int m_pressRow = -1;
+  int m_pressCol = -1;
+  // Modifier keys of the last key or mouse event, to tell Shift-clicks and Shift-moves.
+  Qt::KeyboardModifiers m_modifiers;
   Selection m_selection;
   UndoRecord m_undo;
   UndoRecord m_previousUndo;
