@@ -1,0 +1,246 @@
+#include "db/connection.h"
+#include "db/resultset.h"
+#include "tests/testsupport.h"
+
+#include <gtest/gtest.h>
+
+#include <optional>
+
+using testsupport::TempProject;
+
+namespace {
+
+const QString kInitialQuery = QStringLiteral(
+    "SELECT Chainage, Offset, [Level], ID from Initial WHERE [SectionID]=1 "
+    "ORDER BY Chainage, Offset, ID");
+
+// An Initial table of section 1 with a few readings (and one of section 2 that the query must
+// not show).
+class ResultSetTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    db::Connection& c = project.create();
+    const struct {
+      float chainage, offset, level;
+      int section;
+    } rows[] = {{0.0f, -10.0f, 100.5f, 1}, {0.0f, 0.0f, 99.25f, 1}, {0.0f, 10.0f, 100.75f, 1},
+                {0.1f, -10.0f, 100.4f, 1}, {0.1f, 0.0f, 99.2f, 1},  {0.1f, 10.0f, 100.6f, 1},
+                {0.2f, 0.0f, 99.1f, 1},    {5.0f, 0.0f, 120.0f, 2}};
+    for (const auto& r : rows)
+      c.prepare(QStringLiteral(
+                    "INSERT INTO Initial (Chainage, Offset, Level, SectionID) VALUES (?,?,?,?)"))
+          .bindMeasure(1, r.chainage)
+          .bindMeasure(2, r.offset)
+          .bindMeasure(3, r.level)
+          .bindKey(4, r.section)
+          .run();
+    set.open(c, kInitialQuery);
+  }
+
+  // The stored value of one column of the record with that ID; nullopt for NULL.
+  std::optional<double> stored(const QString& column, std::int64_t id) {
+    return project.connection().scalar(QStringLiteral("SELECT ") + column +
+                                       QStringLiteral(" FROM Initial WHERE ID=") +
+                                       QString::number(id));
+  }
+
+  TempProject project;
+  db::ResultSet set;
+};
+
+TEST_F(ResultSetTest, HoldsRowsColumnsTypesAndSourceTable) {
+  ASSERT_EQ(set.rowCount(), 7);
+  ASSERT_EQ(set.columnCount(), 4);
+  EXPECT_EQ(set.table(), QStringLiteral("Initial"));
+  EXPECT_EQ(set.column(2).name, QStringLiteral("Level"));
+  EXPECT_EQ(set.column(0).declaredType, QStringLiteral("REAL"));
+  EXPECT_TRUE(set.column(0).numeric);
+  EXPECT_TRUE(set.column(3).numeric);
+  EXPECT_EQ(set.columnIndex(QStringLiteral("level")), 2);
+  EXPECT_EQ(set.text(3, 0), QStringLiteral("0.1"));
+  EXPECT_EQ(set.text(3, 1), QStringLiteral("-10"));
+  EXPECT_EQ(set.text(3, 2), QStringLiteral("100.4"));
+  EXPECT_EQ(set.id(0), 1);
+  EXPECT_EQ(set.findId(5), 4);
+  EXPECT_EQ(set.findId(8), -1);  // section 2's row is not in the set
+}
+
+TEST_F(ResultSetTest, SourceTableIsReadFromBracketedAndLowerCaseFrom) {
+  db::ResultSet other;
+  other.open(project.connection(), QStringLiteral("select [Name], ID from [Package]"));
+  EXPECT_EQ(other.table(), QStringLiteral("Package"));
+  EXPECT_EQ(other.rowCount(), 0);
+  EXPECT_EQ(other.columnCount(), 2);  // an empty result still has its columns
+  EXPECT_FALSE(other.column(0).numeric);
+}
+
+TEST_F(ResultSetTest, UpdateRowWritesOnlyChangedCellsByID) {
+  // Another program changes the level behind the sheet's back; writing the chainage alone must
+  // leave that level alone.
+  project.connection().exec(QStringLiteral("UPDATE Initial SET Level=77 WHERE ID=2"));
+  set.setText(1, 0, QStringLiteral("0.05"));
+  EXPECT_TRUE(set.isChanged(1, 0));
+  EXPECT_FALSE(set.isChanged(1, 2));
+  set.updateRow(1);
+  EXPECT_FALSE(set.rowChanged(1));
+  EXPECT_EQ(stored(QStringLiteral("Chainage"), 2), 0.05);
+  EXPECT_EQ(stored(QStringLiteral("Level"), 2), 77.0);
+  EXPECT_EQ(stored(QStringLiteral("Chainage"), 1), 0.0);  // the neighbours are untouched
+  EXPECT_EQ(stored(QStringLiteral("Chainage"), 3), 0.0);
+  EXPECT_EQ(set.text(1, 0), QStringLiteral("0.05"));
+}
+
+TEST_F(ResultSetTest, UpdateRowOfUnchangedRowRunsNoStatement) {
+  project.connection().exec(QStringLiteral("DROP TABLE Initial"));
+  EXPECT_NO_THROW(set.updateRow(0));  // would fail on the missing table if it wrote
+}
+
+TEST_F(ResultSetTest, EmptyCellStoresNull) {
+  set.setText(0, 2, QString());
+  set.updateRow(0);
+  EXPECT_EQ(stored(QStringLiteral("Level"), 1), std::nullopt);
+  EXPECT_EQ(project.connection().scalar(
+                QStringLiteral("SELECT COUNT(*) FROM Initial WHERE Level IS NULL AND ID=1")),
+            1.0);
+  EXPECT_TRUE(set.isNull(0, 2));
+}
+
+TEST_F(ResultSetTest, TextInNumberColumnIsRejectedNamingColumnAndText) {
+  set.setText(2, 1, QStringLiteral("abc"));
+  set.setText(2, 2, QStringLiteral("101"));
+  try {
+    set.updateRow(2);
+    FAIL() << "text in a numeric column was written";
+  } catch (const db::Error& e) {
+    EXPECT_TRUE(e.message().contains(QStringLiteral("Offset"))) << e.what();
+    EXPECT_TRUE(e.message().contains(QStringLiteral("\"abc\""))) << e.what();
+  }
+  // Nothing was written, and the edits are still there to be corrected.
+  EXPECT_EQ(stored(QStringLiteral("Level"), 3), 100.75);
+  EXPECT_TRUE(set.isChanged(2, 1));
+  EXPECT_EQ(set.text(2, 1), QStringLiteral("abc"));
+  set.setText(2, 1, QStringLiteral("12.5"));
+  set.updateRow(2);
+  EXPECT_EQ(stored(QStringLiteral("Offset"), 3), 12.5);
+  EXPECT_EQ(stored(QStringLiteral("Level"), 3), 101.0);
+}
+
+TEST_F(ResultSetTest, MeasuresAreWrittenAsTheirSingleText) {
+  set.setText(0, 2, QStringLiteral("100.1"));
+  set.updateRow(0);
+  // Bound as a measure: 100.1 as typed, not the double nearest to the single 100.1f.
+  EXPECT_EQ(stored(QStringLiteral("Level"), 1), 100.1);
+}
+
+TEST_F(ResultSetTest, DeleteRowRemovesRecordByID) {
+  set.deleteRow(1);
+  EXPECT_EQ(set.rowCount(), 6);
+  EXPECT_EQ(set.id(1), 3);
+  EXPECT_EQ(testsupport::rowCount(project.connection(), QStringLiteral("Initial"),
+                                  QStringLiteral("ID=2")),
+            0);
+  EXPECT_EQ(testsupport::rowCount(project.connection(), QStringLiteral("Initial")), 7);
+  set.requery();
+  EXPECT_EQ(set.rowCount(), 6);
+}
+
+TEST_F(ResultSetTest, RequeryDropsEditsAndReadsNewRows) {
+  set.setText(0, 0, QStringLiteral("9"));
+  project.connection().exec(QStringLiteral(
+      "INSERT INTO Initial (Chainage, Offset, Level, SectionID) VALUES (0.3, 0, 98, 1)"));
+  set.requery();
+  EXPECT_EQ(set.rowCount(), 8);
+  EXPECT_EQ(set.text(0, 0), QStringLiteral("0"));
+  EXPECT_FALSE(set.rowChanged(0));
+}
+
+struct FilterCase {
+  const char* expression;
+  std::vector<std::int64_t> ids;
+};
+
+class ResultSetFilterTest : public ResultSetTest,
+                            public ::testing::WithParamInterface<FilterCase> {};
+
+TEST_P(ResultSetFilterTest, ShowsMatchingRows) {
+  const FilterCase& c = GetParam();
+  set.setFilter(QString::fromUtf8(c.expression));
+  std::vector<std::int64_t> ids;
+  for (int row = 0; row < set.rowCount(); ++row) ids.push_back(set.id(row));
+  EXPECT_EQ(ids, c.ids) << c.expression;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Expressions, ResultSetFilterTest,
+    ::testing::Values(
+        FilterCase{"", {1, 2, 3, 4, 5, 6, 7}}, FilterCase{"[Chainage] = '0.1'", {4, 5, 6}},
+        FilterCase{"[Chainage] >= '0.1' AND [Offset] = '0'", {5, 7}},
+        FilterCase{"[Offset] < '0' OR [Offset] > '0'", {1, 3, 4, 6}},
+        FilterCase{"[Offset] = '0' AND [Chainage] = '0' OR [Chainage] = '0.2'", {2, 7}},
+        FilterCase{"[Level] LIKE '%.2%'", {2, 5}}, FilterCase{"[Level] LIKE '*.7*'", {3}},
+        FilterCase{"[Offset] <> '0'", {1, 3, 4, 6}},
+        FilterCase{"[Level] > '100' and [Level] <= '100.6'", {1, 4, 6}},
+        // '100' and '20' compare as numbers in a numeric column, not as text.
+        FilterCase{"[Level] > '20'", {1, 2, 3, 4, 5, 6, 7}}),
+    [](const ::testing::TestParamInfo<FilterCase>& info) {
+      return "Case" + std::to_string(info.index);
+    });
+
+TEST_F(ResultSetTest, RejectedFilterKeepsRowsAndPreviousFilter) {
+  set.setFilter(QStringLiteral("[Offset] = '0'"));
+  ASSERT_EQ(set.rowCount(), 3);
+  const char* bad[] = {
+      "[Chainage] >= '0.1'[Offset] = '0'",  // a term appended after Done, no connective
+      "[Depth] = '1'",                      // unknown field
+      "[Offset] = '0",                      // unterminated quote
+      "[Offset] = 'abc'",                   // not a number for a numeric column
+      "[Offset] = '0' AND ",                // nothing after the connective
+  };
+  for (const char* expression : bad) {
+    EXPECT_THROW(set.setFilter(QString::fromUtf8(expression)), db::Error) << expression;
+    EXPECT_EQ(set.rowCount(), 3) << expression;
+    EXPECT_EQ(set.filter(), QStringLiteral("[Offset] = '0'"));
+  }
+}
+
+TEST_F(ResultSetTest, FilteredRowsMapEditsAndDeletesToTheirRecords) {
+  set.setFilter(QStringLiteral("[Chainage] = '0.1'"));
+  ASSERT_EQ(set.rowCount(), 3);
+  set.setText(2, 2, QStringLiteral("101.5"));
+  set.updateRow(2);
+  EXPECT_EQ(stored(QStringLiteral("Level"), 6), 101.5);
+  set.deleteRow(0);
+  EXPECT_EQ(set.rowCount(), 2);
+  EXPECT_EQ(stored(QStringLiteral("Level"), 4), std::nullopt);
+  set.setFilter(QString());
+  EXPECT_EQ(set.rowCount(), 6);
+}
+
+TEST_F(ResultSetTest, RequeryKeepsFilter) {
+  set.setFilter(QStringLiteral("[Offset] = '0'"));
+  set.requery();
+  EXPECT_EQ(set.rowCount(), 3);
+}
+
+TEST_F(ResultSetTest, TextColumnsStoreTextAndNull) {
+  db::Connection& c = project.connection();
+  c.exec(
+      QStringLiteral("INSERT INTO Package (ID, Name, Phase, District) VALUES "
+                     "(1, 'North', 'I', 'Kota'), (2, 'South', 'II', 'Bundi')"));
+  db::ResultSet packages;
+  packages.open(c, QStringLiteral("Select [Name], [Phase], [District], ID from Package order "
+                                  "by [District], [Name]"));
+  ASSERT_EQ(packages.rowCount(), 2);
+  EXPECT_EQ(packages.text(0, 0), QStringLiteral("South"));
+  packages.setText(0, 1, QString());
+  packages.setText(0, 0, QStringLiteral("South-East"));
+  packages.updateRow(0);
+  EXPECT_EQ(c.scalar(QStringLiteral("SELECT COUNT(*) FROM Package WHERE Name='South-East' AND "
+                                    "Phase IS NULL AND ID=2")),
+            1.0);
+  packages.setFilter(QStringLiteral("[Name] LIKE 'n%'"));
+  EXPECT_EQ(packages.rowCount(), 1);
+  EXPECT_EQ(packages.id(0), 1);
+}
+
+}  // namespace
