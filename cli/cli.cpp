@@ -15,6 +15,7 @@ namespace {
 std::vector<const Command*> allCommands() {
   std::vector<const Command*> all;
   for (int i = 0; i < kProjectCommandCount; ++i) all.push_back(&kProjectCommands[i]);
+  for (int i = 0; i < kFormulaCommandCount; ++i) all.push_back(&kFormulaCommands[i]);
   for (int i = 0; i < kDesignCommandCount; ++i) all.push_back(&kDesignCommands[i]);
   return all;
 }

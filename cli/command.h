@@ -67,6 +67,8 @@ class ConsoleReporter : public engine::Reporter {
 // The commands of each file, collected by run().
 extern const Command kProjectCommands[];
 extern const int kProjectCommandCount;
+extern const Command kFormulaCommands[];
+extern const int kFormulaCommandCount;
 extern const Command kDesignCommands[];
 extern const int kDesignCommandCount;
 
