@@ -1,16 +1,87 @@
 #include "app/frmmain.h"
 
 #include "app/appstate.h"
+#include "app/frmoptions.h"
+#include "app/frmsplash.h"
+#include "app/helpwindow.h"
+#include "app/mdiarrange.h"
+#include "app/opendatabase.h"
+#include "app/settings.h"
+#include "app/toolicons.h"
+#include "app/twips.h"
+#include "db/connection.h"
+#include "db/schema.h"
+#include "engine/initialorder.h"
+#include "engine/session.h"
+#include "sheets/dlgsearchwindow.h"
+#include "sheets/frmdatagrid.h"
+#include "sheets/frmreport.h"
+#include "sheets/gridcontrol.h"
+#include "sheets/modgridstyles.h"
+#include "sheets/printable.h"
 
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QCoreApplication>
+#include <QDate>
+#include <QInputDialog>
 #include <QLabel>
+#include <QLocale>
 #include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QMenuBar>
+#include <QPageSetupDialog>
+#include <QPainter>
+#include <QPrintDialog>
+#include <QPrinter>
+#include <QRegularExpression>
+#include <QSettings>
 #include <QStatusBar>
+#include <QToolBar>
+
+#include <cmath>
+#include <optional>
 
 namespace app {
 
+namespace {
+
+const QString kTitle = QStringLiteral("Delvane");
+
+// The leading number of an input box's text, as a single: "150", " 2.5 km" and "1e3" read;
+// text that does not start with a number gives nothing.
+std::optional<float> leadingNumber(const QString& text) {
+  static const QRegularExpression kNumber(
+      QStringLiteral("^\\s*[+-]?(\\d+\\.?\\d*|\\.\\d+)([eE][+-]?\\d+)?"));
+  const QRegularExpressionMatch match = kNumber.match(text);
+  if (!match.hasMatch()) return std::nullopt;
+  bool ok = false;
+  const float value = match.captured(0).trimmed().toFloat(&ok);
+  if (!ok || !std::isfinite(value)) return std::nullopt;
+  return value;
+}
+
+// Prints a window that does not draw itself as its screen image, as wide as the page and cut
+// into page-high slices.
+void printScreenImage(QWidget& window, QPrinter& printer, QPainter& painter, const QRect& page) {
+  const QPixmap image = window.grab();
+  if (image.isNull() || image.width() < 1) return;
+  const qreal scale = static_cast<qreal>(page.width()) / image.width();
+  const int sliceHeight = std::max(1, static_cast<int>(page.height() / scale));
+  for (int top = 0; top < image.height(); top += sliceHeight) {
+    if (top > 0) printer.newPage();
+    const QRect slice(0, top, image.width(), std::min(sliceHeight, image.height() - top));
+    const QRectF target(page.left(), page.top(), page.width(), slice.height() * scale);
+    painter.drawPixmap(target, image, QRectF(slice));
+  }
+}
+
+}  // namespace
+
 frmMain::frmMain(AppState& state, QWidget* parent) : QMainWindow(parent), m_state(state) {
   setObjectName(QStringLiteral("frmMain"));
-  setWindowTitle(QStringLiteral("Delvane"));
+  setWindowTitle(kTitle);
+  m_manualFolder = manualFolder();
 
   m_mdiArea = new QMdiArea(this);
   m_mdiArea->setObjectName(QStringLiteral("mdiArea"));
@@ -18,6 +89,278 @@ frmMain::frmMain(AppState& state, QWidget* parent) : QMainWindow(parent), m_stat
   m_mdiArea->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
   setCentralWidget(m_mdiArea);
 
+  m_context.connection = [this] { return m_state.cnProject.get(); };
+  m_context.engine = [this] { return m_state.engine.get(); };
+  m_context.packageId = [this] { return m_state.lngPackageID; };
+  m_context.sectionId = [this] { return m_state.lngSectionID; };
+  m_context.autoSave = [this] { return m_state.settings.AutoSave; };
+  m_context.enterRight = [this] { return m_state.settings.EnterRight; };
+  m_context.useExecutedLevel = [this] { return m_chkUseExecutedLevel->isChecked(); };
+  m_context.mouseWheel = m_state.mouseWheel;
+  m_context.link = this;
+
+  createMenus();
+  createToolBars();
+  createStatusBar();
+  useExecutedLevelChanged(m_chkUseExecutedLevel->isChecked());
+  EnableMenus();
+}
+
+frmMain::~frmMain() {
+  // The children talk to this window through the link while they close.
+  closeFilterWindow();
+  m_context.link = nullptr;
+  for (QMdiSubWindow* child : m_mdiArea->subWindowList()) delete child;
+}
+
+// ---- Construction
+
+QAction* frmMain::addMenuItem(QMenu* menu, const QString& name, const QString& caption,
+                              void (frmMain::*command)(), const QKeySequence& shortcut) {
+  QAction* item = menu->addAction(caption);
+  item->setObjectName(name);
+  if (!shortcut.isEmpty()) item->setShortcut(shortcut);
+  if (command) connect(item, &QAction::triggered, this, command);
+  m_actions[name] = item;
+  return item;
+}
+
+QAction* frmMain::addToolButton(QToolBar* bar, const QString& key, const QString& toolTip,
+                                const QString& iconKey, void (frmMain::*command)()) {
+  QAction* button = bar->addAction(toolIcon(iconKey), toolTip);
+  button->setObjectName(key);
+  button->setData(key);
+  button->setToolTip(toolTip);
+  if (command) connect(button, &QAction::triggered, this, command);
+  m_actions[bar->objectName() + QLatin1Char('/') + key] = button;
+  return button;
+}
+
+void frmMain::createMenus() {
+  auto addMenu = [this](const QString& name, const QString& caption) {
+    QMenu* menu = menuBar()->addMenu(caption);
+    menu->setObjectName(name);
+    menu->menuAction()->setObjectName(name);
+    m_actions[name] = menu->menuAction();
+    return menu;
+  };
+
+  QMenu* file = addMenu(QStringLiteral("mnuFile"), QStringLiteral("&File"));
+  addMenuItem(file, QStringLiteral("mnuFileOpen"), QStringLiteral("&Open DB..."),
+              &frmMain::fileOpen, QKeySequence(Qt::CTRL | Qt::Key_O));
+  addMenuItem(file, QStringLiteral("mnuFileSave"), QStringLiteral("&Save"), &frmMain::fileSave,
+              QKeySequence(Qt::CTRL | Qt::Key_S));
+  file->addSeparator();
+  addMenuItem(file, QStringLiteral("mnuFilePageSetup"), QStringLiteral("Page Set&up..."),
+              &frmMain::filePageSetup);
+  addMenuItem(file, QStringLiteral("mnuFilePrint"), QStringLiteral("&Print..."),
+              &frmMain::filePrint);
+  file->addSeparator();
+  QAction* exit =
+      addMenuItem(file, QStringLiteral("mnuFileExit"), QStringLiteral("E&xit"), nullptr);
+  connect(exit, &QAction::triggered, this, &QWidget::close);
+
+  m_mnuEdit = addMenu(QStringLiteral("mnuEdit"), QStringLiteral("&Edit"));
+  QAction* undo = addMenuItem(m_mnuEdit, QStringLiteral("mnuEditUndo"), QStringLiteral("&Undo"),
+                              nullptr, QKeySequence(Qt::CTRL | Qt::Key_Z));
+  connect(undo, &QAction::triggered, this, [this] { editMenuEvent(5); });
+  m_mnuEdit->addSeparator();
+  QAction* cut = addMenuItem(m_mnuEdit, QStringLiteral("mnuEditCut"), QStringLiteral("Cu&t"),
+                             nullptr, QKeySequence(Qt::CTRL | Qt::Key_X));
+  connect(cut, &QAction::triggered, this, [this] { editMenuEvent(2); });
+  QAction* copy = addMenuItem(m_mnuEdit, QStringLiteral("mnuEditCopy"), QStringLiteral("&Copy"),
+                              nullptr, QKeySequence(Qt::CTRL | Qt::Key_C));
+  connect(copy, &QAction::triggered, this, [this] { editMenuEvent(1); });
+  QAction* paste = addMenuItem(m_mnuEdit, QStringLiteral("mnuEditPaste"), QStringLiteral("&Paste"),
+                               nullptr, QKeySequence(Qt::CTRL | Qt::Key_V));
+  connect(paste, &QAction::triggered, this, [this] { editMenuEvent(3); });
+  QAction* transform =
+      addMenuItem(m_mnuEdit, QStringLiteral("mnuEditTransform"), QStringLiteral("T&ransform..."),
+                  nullptr, QKeySequence(Qt::CTRL | Qt::Key_T));
+  connect(transform, &QAction::triggered, this, [this] { editMenuEvent(6); });
+  m_mnuEdit->addSeparator();
+  addMenuItem(m_mnuEdit, QStringLiteral("mnuEditAdd"), QStringLiteral("&Add"), &frmMain::editAdd,
+              QKeySequence(Qt::CTRL | Qt::Key_N));
+  addMenuItem(m_mnuEdit, QStringLiteral("mnuEditDelete"), QStringLiteral("&Delete"),
+              &frmMain::editDelete, QKeySequence(Qt::CTRL | Qt::Key_D));
+
+  QMenu* view = addMenu(QStringLiteral("mnuView"), QStringLiteral("&View"));
+  QAction* toolbar =
+      addMenuItem(view, QStringLiteral("mnuViewToolbar"), QStringLiteral("&Toolbar"), nullptr);
+  toolbar->setCheckable(true);
+  toolbar->setChecked(true);
+  connect(toolbar, &QAction::toggled, this, [this](bool on) { m_tbToolBar->setVisible(on); });
+  QAction* status =
+      addMenuItem(view, QStringLiteral("mnuViewStatusBar"), QStringLiteral("Status &Bar"), nullptr);
+  status->setCheckable(true);
+  status->setChecked(true);
+  connect(status, &QAction::toggled, this, [this](bool on) { statusBar()->setVisible(on); });
+  view->addSeparator();
+  QAction* detail =
+      addMenuItem(view, QStringLiteral("mnuViewDetail"), QStringLiteral("Filter Window"), nullptr);
+  detail->setCheckable(true);
+  // The command decides the check mark from its state before the click.
+  connect(detail, &QAction::triggered, this, [this, detail](bool checkedNow) {
+    detail->setChecked(!checkedNow);
+    viewFilterWindow();
+  });
+  addMenuItem(view, QStringLiteral("mnuLockColumn"), QStringLiteral("Lock/Unlock Column"),
+              &frmMain::viewLockColumn, QKeySequence(Qt::CTRL | Qt::Key_F3));
+  addMenuItem(view, QStringLiteral("mnuViewFreeze"), QStringLiteral("Freeze/Unfreeze Column"),
+              &frmMain::viewFreeze);
+  view->addSeparator();
+  addMenuItem(view, QStringLiteral("mnuViewRefresh"), QStringLiteral("&Refresh"),
+              &frmMain::viewRefresh);
+
+  QMenu* data = addMenu(QStringLiteral("mnuData"), QStringLiteral("&Data"));
+  addMenuItem(data, QStringLiteral("mnuDataPackage"), QStringLiteral("Package"),
+              &frmMain::dataPackage);
+  addMenuItem(data, QStringLiteral("mnuDataSections"), QStringLiteral("Sections"),
+              &frmMain::dataSections);
+  data->addSeparator();
+  addMenuItem(data, QStringLiteral("mnuDataDesignSummary"), QStringLiteral("Design Profile Values"),
+              &frmMain::dataDesignSummary);
+  addMenuItem(data, QStringLiteral("mnuDataDesign"), QStringLiteral("Design Levels"),
+              &frmMain::dataDesign);
+  addMenuItem(data, QStringLiteral("mnuDataInitial"), QStringLiteral("Initial Levels"),
+              &frmMain::dataInitial);
+  addMenuItem(data, QStringLiteral("mnuDataExecuted"), QStringLiteral("Executed Levels"),
+              &frmMain::dataExecuted);
+  addMenuItem(data, QStringLiteral("mnuDataOutlets"), QStringLiteral("Outlets"),
+              &frmMain::dataOutlets);
+
+  // The section viewers and the plotted sheets belong to the drawing windows, which are wired
+  // here when they exist.
+  QMenu* output = addMenu(QStringLiteral("mnuOutput"), QStringLiteral("&Output"));
+  addMenuItem(output, QStringLiteral("mnuOutputViewLSec"), QStringLiteral("View L Section"),
+              nullptr);
+  addMenuItem(output, QStringLiteral("mnuOutputViewXSec"), QStringLiteral("View X Section"),
+              nullptr);
+  addMenuItem(output, QStringLiteral("mnuOutputViewQty"), QStringLiteral("View Quantity"),
+              &frmMain::outputViewQuantity);
+  output->addSeparator();
+  addMenuItem(output, QStringLiteral("mnuOutputLSection"), QStringLiteral("Plot L Section"),
+              nullptr);
+  addMenuItem(output, QStringLiteral("mnuOutputXSection"), QStringLiteral("Plot X Section"),
+              nullptr);
+  output->addSeparator();
+  addMenuItem(output, QStringLiteral("mnuOutputQuantity"), QStringLiteral("Export Quantity Sheet"),
+              &frmMain::outputExportQuantity);
+
+  QMenu* tools = addMenu(QStringLiteral("mnuTools"), QStringLiteral("&Tools"));
+  addMenuItem(tools, QStringLiteral("mnuToolsOptions"), QStringLiteral("&Options..."),
+              &frmMain::toolsOptions);
+
+  m_mnuWindow = addMenu(QStringLiteral("mnuWindow"), QStringLiteral("&Window"));
+  QAction* cascade = addMenuItem(m_mnuWindow, QStringLiteral("mnuWindowCascade"),
+                                 QStringLiteral("&Cascade"), nullptr);
+  connect(cascade, &QAction::triggered, m_mdiArea, &QMdiArea::cascadeSubWindows);
+  QAction* tileH = addMenuItem(m_mnuWindow, QStringLiteral("mnuWindowTileHorizontal"),
+                               QStringLiteral("Tile &Horizontal"), nullptr);
+  connect(tileH, &QAction::triggered, this, [this] { tileHorizontal(*m_mdiArea); });
+  QAction* tileV = addMenuItem(m_mnuWindow, QStringLiteral("mnuWindowTileVertical"),
+                               QStringLiteral("Tile &Vertical"), nullptr);
+  connect(tileV, &QAction::triggered, this, [this] { tileVertical(*m_mdiArea); });
+  QAction* icons = addMenuItem(m_mnuWindow, QStringLiteral("mnuWindowArrangeIcons"),
+                               QStringLiteral("&Arrange Icons"), nullptr);
+  connect(icons, &QAction::triggered, this, [this] { arrangeIcons(*m_mdiArea); });
+  m_windowListSeparator = m_mnuWindow->addSeparator();
+  connect(m_mnuWindow, &QMenu::aboutToShow, this, &frmMain::updateWindowMenu);
+  connect(m_mdiArea, &QMdiArea::subWindowActivated, this, &frmMain::updateWindowMenu);
+
+  QMenu* help = addMenu(QStringLiteral("mnuHelp"), QStringLiteral("&Help"));
+  addMenuItem(help, QStringLiteral("mnuHelpContents"), QStringLiteral("&Contents"),
+              &frmMain::helpContents, QKeySequence(Qt::Key_F1));
+  addMenuItem(help, QStringLiteral("mnuHelpAbout"), QStringLiteral("&About "), &frmMain::helpAbout);
+
+  // A data sheet switches these on while it is the active child.
+  setCommandEnabled(Command::mnuEdit, false);
+  setCommandEnabled(Command::mnuViewDetail, false);
+  setCommandEnabled(Command::mnuLockColumn, false);
+  setCommandEnabled(Command::mnuViewFreeze, false);
+  setCommandEnabled(Command::mnuViewRefresh, false);
+}
+
+void frmMain::createToolBars() {
+  m_tbToolBar = addToolBar(QStringLiteral("Toolbar"));
+  m_tbToolBar->setObjectName(QStringLiteral("tbToolBar"));
+  m_tbToolBar->setIconSize(QSize(24, 24));
+  // The View menu's check mark governs this bar; the bar's own context menu would bypass it.
+  m_tbToolBar->toggleViewAction()->setVisible(false);
+  m_tbToolBar->setFloatable(false);
+  m_tbToolBar->setMovable(false);
+  addToolButton(m_tbToolBar, QStringLiteral("Open"), QStringLiteral("Open"), QStringLiteral("Open"),
+                &frmMain::fileOpen);
+  addToolButton(m_tbToolBar, QStringLiteral("Save"), QStringLiteral("Save"), QStringLiteral("Save"),
+                &frmMain::fileSave);
+  addToolButton(m_tbToolBar, QStringLiteral("Print"), QStringLiteral("Print"),
+                QStringLiteral("Print"), &frmMain::filePrint);
+  m_tbToolBar->addSeparator();
+  addToolButton(m_tbToolBar, QStringLiteral("Packages"), QStringLiteral("Packages"),
+                QStringLiteral("Packages"), &frmMain::dataPackage);
+  m_tbToolBar->addSeparator();
+  connect(addToolButton(m_tbToolBar, QStringLiteral("Cut"), QStringLiteral("Cut"),
+                        QStringLiteral("Cut"), nullptr),
+          &QAction::triggered, this, [this] { editMenuEvent(2); });
+  connect(addToolButton(m_tbToolBar, QStringLiteral("Copy"), QStringLiteral("Copy"),
+                        QStringLiteral("Copy"), nullptr),
+          &QAction::triggered, this, [this] { editMenuEvent(1); });
+  connect(addToolButton(m_tbToolBar, QStringLiteral("Paste"), QStringLiteral("Paste"),
+                        QStringLiteral("Paste"), nullptr),
+          &QAction::triggered, this, [this] { editMenuEvent(3); });
+  connect(addToolButton(m_tbToolBar, QStringLiteral("Undo"), QStringLiteral("Undo"),
+                        QStringLiteral("Undo"), nullptr),
+          &QAction::triggered, this, [this] { editMenuEvent(5); });
+  m_tbToolBar->addSeparator();
+  addToolButton(m_tbToolBar, QStringLiteral("Filter"), QStringLiteral("Filter"),
+                QStringLiteral("Find"), &frmMain::viewFilterWindow);
+  addToolButton(m_tbToolBar, QStringLiteral("Help"), QStringLiteral("Help"), QStringLiteral("Help"),
+                &frmMain::helpContents);
+  m_tbToolBar->addSeparator();
+  addToolButton(m_tbToolBar, QStringLiteral("Add"), QStringLiteral("Add"), QStringLiteral("Add"),
+                &frmMain::editAdd);
+  addToolButton(m_tbToolBar, QStringLiteral("Delete"), QStringLiteral("Delete"),
+                QStringLiteral("Delete"), &frmMain::editDelete);
+  // Shown and enabled by the active data sheet.
+  setToolButtonVisible(QStringLiteral("Add"), false);
+  setToolButtonVisible(QStringLiteral("Delete"), false);
+  setToolButtonEnabled(QStringLiteral("Filter"), false);
+
+  m_tbToolBar->addSeparator();
+  m_chkUseExecutedLevel = new QCheckBox(QStringLiteral("Executed Lvl"), m_tbToolBar);
+  m_chkUseExecutedLevel->setObjectName(QStringLiteral("chkUseExecutedLevel"));
+  m_chkUseExecutedLevel->setToolTip(
+      QStringLiteral("Compute the cross-section areas against the executed levels"));
+  connect(m_chkUseExecutedLevel, &QCheckBox::toggled, this, &frmMain::useExecutedLevelChanged);
+  m_tbToolBar->addWidget(m_chkUseExecutedLevel);
+
+  addToolBarBreak();
+  m_tbBlockBar = addToolBar(QStringLiteral("Section"));
+  m_tbBlockBar->setObjectName(QStringLiteral("tbBlockBar"));
+  m_tbBlockBar->setIconSize(QSize(24, 24));
+  m_tbBlockBar->toggleViewAction()->setVisible(false);
+  m_tbBlockBar->setFloatable(false);
+  m_tbBlockBar->setMovable(false);
+  addToolButton(m_tbBlockBar, QStringLiteral("Profile"), QStringLiteral("Design Profile Values"),
+                QStringLiteral("Profile"), &frmMain::dataDesignSummary);
+  addToolButton(m_tbBlockBar, QStringLiteral("DesignLevels"), QStringLiteral("Design Levels"),
+                QStringLiteral("DesignLevels"), &frmMain::dataDesign);
+  addToolButton(m_tbBlockBar, QStringLiteral("InitialLevels"), QStringLiteral("Initial Levels"),
+                QStringLiteral("InitialLevels"), &frmMain::dataInitial);
+  addToolButton(m_tbBlockBar, QStringLiteral("InitialSet"),
+                QStringLiteral("Set Initial Levels in order"), QStringLiteral("InitialSet"),
+                &frmMain::initialSet);
+  m_tbBlockBar->addSeparator();
+  addToolButton(m_tbBlockBar, QStringLiteral("Lsection"), QStringLiteral("Longitudinal Section"),
+                QStringLiteral("Lsection"), nullptr);
+  addToolButton(m_tbBlockBar, QStringLiteral("Xsection"), QStringLiteral("Cross Section"),
+                QStringLiteral("Xsection"), nullptr);
+  addToolButton(m_tbBlockBar, QStringLiteral("QuantityReport"),
+                QStringLiteral("View Quantity Report"), QStringLiteral("QuantityReport"),
+                &frmMain::outputViewQuantity);
+}
+
+void frmMain::createStatusBar() {
   QStatusBar* bar = statusBar();
   bar->setObjectName(QStringLiteral("sbStatusBar"));
   for (std::size_t i = 0; i < m_panels.size(); ++i) {
@@ -25,13 +368,14 @@ frmMain::frmMain(AppState& state, QWidget* parent) : QMainWindow(parent), m_stat
     panel->setObjectName(QStringLiteral("sbPanel%1").arg(i + 1));
     panel->setFrameShape(QFrame::StyledPanel);
     panel->setFrameShadow(QFrame::Sunken);
+    panel->setMinimumWidth(i == 0 ? 0 : 90);
     m_panels[i] = panel;
     // The first panel takes the spare width; the others keep to their text.
     bar->addPermanentWidget(panel, i == 0 ? 1 : 0);
   }
 }
 
-frmMain::~frmMain() = default;
+// ---- State shown by the frame
 
 void frmMain::setStatusPanel(int panel, const QString& text) {
   if (panel < 1 || panel > static_cast<int>(m_panels.size())) return;
@@ -41,6 +385,514 @@ void frmMain::setStatusPanel(int panel, const QString& text) {
 QString frmMain::statusPanel(int panel) const {
   if (panel < 1 || panel > static_cast<int>(m_panels.size())) return {};
   return m_panels[static_cast<std::size_t>(panel - 1)]->text();
+}
+
+QAction* frmMain::action(const QString& name) const {
+  const auto it = m_actions.find(name);
+  return it == m_actions.end() ? nullptr : it->second;
+}
+
+void frmMain::EnableMenus() {
+  const bool package = m_state.lngPackageID >= 1;
+  const bool section = m_state.lngSectionID >= 1;
+  action(QStringLiteral("mnuDataSections"))->setEnabled(package);
+  for (const char* name :
+       {"mnuDataDesign", "mnuDataDesignSummary", "mnuDataOutlets", "mnuDataInitial",
+        "mnuDataExecuted", "mnuOutputXSection", "mnuOutputLSection", "mnuOutputQuantity",
+        "mnuOutputViewXSec", "mnuOutputViewLSec", "mnuOutputViewQty"})
+    action(QLatin1String(name))->setEnabled(section);
+  m_tbBlockBar->setVisible(section);
+}
+
+void frmMain::useExecutedLevelChanged(bool checked) {
+  if (m_state.engine) m_state.engine->setUseExecutedLevel(checked);
+}
+
+void frmMain::updateWindowMenu() {
+  const QList<QAction*> items = m_mnuWindow->actions();
+  for (qsizetype i = items.indexOf(m_windowListSeparator) + 1; i < items.size(); ++i) {
+    m_mnuWindow->removeAction(items[i]);
+    items[i]->deleteLater();
+  }
+  const QList<QMdiSubWindow*> children = m_mdiArea->subWindowList(QMdiArea::CreationOrder);
+  m_windowListSeparator->setVisible(!children.isEmpty());
+  int number = 0;
+  for (QMdiSubWindow* child : children) {
+    ++number;
+    const QString title = child->windowTitle();
+    const QString caption = number <= 9 ? QStringLiteral("&%1 %2").arg(number).arg(title)
+                                        : QStringLiteral("%1 %2").arg(number).arg(title);
+    QAction* item = m_mnuWindow->addAction(caption);
+    item->setCheckable(true);
+    item->setChecked(child == m_mdiArea->currentSubWindow());
+    QPointer<QMdiSubWindow> target(child);
+    connect(item, &QAction::triggered, this, [this, target] {
+      if (target) {
+        if (target->isMinimized()) target->showNormal();
+        m_mdiArea->setActiveSubWindow(target);
+      }
+    });
+  }
+}
+
+// ---- The active child
+
+QMdiSubWindow* frmMain::activeChild() const {
+  // The current child stays current while a tool window such as the filter window has the
+  // focus, as the frame's active child does.
+  return m_mdiArea->currentSubWindow();
+}
+
+sheets::frmDataGrid* frmMain::activeDataSheet() const {
+  QMdiSubWindow* child = activeChild();
+  return child ? qobject_cast<sheets::frmDataGrid*>(child->widget()) : nullptr;
+}
+
+sheets::frmReport* frmMain::activeReport() const {
+  QMdiSubWindow* child = activeChild();
+  return child ? qobject_cast<sheets::frmReport*>(child->widget()) : nullptr;
+}
+
+QString frmMain::activeSheetName() const {
+  if (sheets::frmDataGrid* sheet = activeDataSheet()) return sheet->strCurrentDataSheet;
+  if (sheets::frmReport* report = activeReport()) return report->strCurrentDataSheet;
+  return {};
+}
+
+// ---- Boxes
+
+void frmMain::setMessageFunction(sheets::MessageFunction message) {
+  m_context.message = std::move(message);
+}
+
+void frmMain::setInputFunction(InputFunction input) { m_input = std::move(input); }
+
+void frmMain::message(const QString& text, sheets::MessageIcon icon) {
+  m_context.ask(this, text, kTitle, sheets::MessageButtons::Ok, icon);
+}
+
+bool frmMain::askYesNo(const QString& title, const QString& text) {
+  return m_context.ask(this, text, title, sheets::MessageButtons::YesNo,
+                       sheets::MessageIcon::Question) == sheets::MessageAnswer::Yes;
+}
+
+QString frmMain::input(const QString& title, const QString& prompt, const QString& defaultText) {
+  if (m_input) return m_input(this, title, prompt, defaultText);
+  bool ok = false;
+  const QString text =
+      QInputDialog::getText(this, title, prompt, QLineEdit::Normal, defaultText, &ok);
+  return ok ? text : QString();
+}
+
+// ---- File
+
+void frmMain::fileOpen() {
+  // The children stay bound to the project they were opened on; what they hold unsaved is
+  // written before that project is closed.
+  for (QMdiSubWindow* child : m_mdiArea->subWindowList()) {
+    if (auto* sheet = qobject_cast<sheets::frmDataGrid*>(child->widget())) sheet->SaveBeforeAdd();
+  }
+  switch (OpenDatabase(m_state, this, false)) {
+    case OpenResult::Cancelled:
+      return;
+    case OpenResult::Refused:
+      close();
+      QCoreApplication::exit(1);
+      return;
+    case OpenResult::Opened:
+      break;
+  }
+  // A window left open on the closed project would read and write through a connection that
+  // no longer exists, so the children close with it.
+  closeFilterWindow();
+  m_mdiArea->closeAllSubWindows();
+  m_state.lngPackageID = 0;
+  m_state.lngSectionID = 0;
+  m_state.strPackageName.clear();
+  m_state.strSectionDescription.clear();
+  useExecutedLevelChanged(m_chkUseExecutedLevel->isChecked());
+  setWindowTitle(kTitle);
+  EnableMenus();
+}
+
+void frmMain::fileSave() {
+  if (!activeChild()) return;
+  if (sheets::frmDataGrid* sheet = activeDataSheet())
+    sheet->HandleMenuEvent(sheets::frmDataGrid::kSave);
+  else
+    message(QStringLiteral("Disabled"), sheets::MessageIcon::Information);
+}
+
+QPrinter& frmMain::printer() {
+  if (!m_printer) m_printer = std::make_unique<QPrinter>(QPrinter::HighResolution);
+  return *m_printer;
+}
+
+void frmMain::filePageSetup() {
+  QPageSetupDialog dialog(&printer(), this);
+  dialog.setWindowTitle(QStringLiteral("Page Setup"));
+  dialog.exec();
+}
+
+void frmMain::filePrint() {
+  QMdiSubWindow* child = activeChild();
+  if (!child || !child->widget()) return;
+  QPrintDialog dialog(&printer(), this);
+  dialog.setWindowTitle(QStringLiteral("Print"));
+  dialog.setOption(QAbstractPrintDialog::PrintPageRange, false);
+  dialog.setOption(QAbstractPrintDialog::PrintCurrentPage, false);
+  if (dialog.exec() != QDialog::Accepted) return;
+  QPrinter& device = printer();
+  QPainter painter;
+  if (!painter.begin(&device)) {
+    message(QStringLiteral("The printer could not be started."), sheets::MessageIcon::Critical);
+    return;
+  }
+  const QRect page(QPoint(0, 0), device.pageLayout().paintRectPixels(device.resolution()).size());
+  QWidget* window = child->widget();
+  if (auto* printable = dynamic_cast<sheets::Printable*>(window))
+    printable->printTo(painter, page);
+  else
+    printScreenImage(*window, device, painter, page);
+  painter.end();
+}
+
+// ---- Edit
+
+void frmMain::editMenuEvent(std::int16_t command) {
+  if (sheets::frmDataGrid* sheet = activeDataSheet()) sheet->HandleMenuEvent(command);
+}
+
+void frmMain::editAdd() {
+  sheets::frmDataGrid* sheet = activeDataSheet();
+  if (!sheet || !m_state.cnProject) return;
+  db::Connection& connection = *m_state.cnProject;
+  const QString name = sheet->strCurrentDataSheet;
+  try {
+    if (name == QLatin1String("DesignDetails") || name == QLatin1String("DesignLevels") ||
+        name == QLatin1String("Outlets")) {
+      const std::optional<std::int16_t> count =
+          settingsNumber(input(QStringLiteral("Add Data"),
+                               QStringLiteral("Number of records to add ?"), QStringLiteral("1")));
+      if (!count) return;
+      sheet->SaveBeforeAdd();
+      for (int n = *count; n >= 1; --n) db::AddSectionRow(connection, name, m_state.lngSectionID);
+      sheet->RefreshData();
+    } else if (name == QLatin1String("Initial") || name == QLatin1String("Executed")) {
+      const QString title = QStringLiteral("Add Initial Data");
+      const std::optional<std::int16_t> count = settingsNumber(
+          input(title, QStringLiteral("Number of records to add ?"), QStringLiteral("1")));
+      if (!count) return;
+      const std::optional<float> chainage =
+          leadingNumber(input(title, QStringLiteral("Chainage ?"), QStringLiteral("0")));
+      if (!chainage) return;
+      sheet->SaveBeforeAdd();
+      for (int n = *count; n >= 1; --n)
+        db::AddLevelRow(connection, name, m_state.lngSectionID, *chainage);
+      sheet->RefreshData();
+    } else if (name == QLatin1String("Package")) {
+      sheet->SaveBeforeAdd();
+      const std::int32_t id = db::AddPackage(connection, QDate::currentDate().year());
+      sheet->RefreshData();
+      sheet->SeekRecord(id);
+    } else if (name == QLatin1String("Sections")) {
+      sheet->SaveBeforeAdd();
+      const std::int32_t id = db::AddSection(connection, m_state.lngPackageID);
+      sheet->RefreshData();
+      sheet->SeekRecord(id);
+    }
+  } catch (const db::Error&) {
+    // Add ends quietly at the failing statement; the rows inserted before it stay.
+  }
+}
+
+void frmMain::editDelete() {
+  sheets::frmDataGrid* sheet = activeDataSheet();
+  if (!sheet || !m_state.cnProject) return;
+  const QString name = sheet->strCurrentDataSheet;
+  try {
+    if (name == QLatin1String("DesignDetails") || name == QLatin1String("DesignLevels") ||
+        name == QLatin1String("Executed") || name == QLatin1String("Outlets")) {
+      sheet->DeleteRecord();
+    } else if (name == QLatin1String("Initial")) {
+      sheet->DeleteRecord();
+      if (m_state.engine) m_state.engine->markQuantityChainagesOutOfDate();
+    } else if (name == QLatin1String("Package")) {
+      // The clean-up runs whether or not the user confirmed: on a consistent project it
+      // removes nothing.
+      sheet->DeleteRecord();
+      db::DeleteOrphansAfterPackages(*m_state.cnProject);
+    } else if (name == QLatin1String("Sections")) {
+      sheet->DeleteRecord();
+      db::DeleteOrphansAfterSections(*m_state.cnProject);
+    }
+  } catch (const db::Error&) {
+    // Delete ends quietly at the failing statement.
+  }
+}
+
+// ---- View
+
+void frmMain::viewFilterWindow() {
+  QAction* detail = action(QStringLiteral("mnuViewDetail"));
+  if (detail->isChecked()) {
+    closeFilterWindow();
+    detail->setChecked(false);
+    return;
+  }
+  auto* window = new sheets::dlgSearchWindow(this);
+  window->setAttribute(Qt::WA_DeleteOnClose);
+  QStringList headers;
+  if (sheets::frmDataGrid* sheet = activeDataSheet()) {
+    for (int column = 0; column < sheet->grid().Cols(); ++column)
+      headers.append(sheet->grid().Text(-1, column));
+  }
+  window->setFields(headers);
+  window->setFilterFunction([this](const QString& expression) {
+    if (sheets::frmDataGrid* sheet = activeDataSheet()) sheet->FilterData(expression);
+  });
+  window->setClosedHandler([this] {
+    if (QAction* item = action(QStringLiteral("mnuViewDetail"))) item->setChecked(false);
+  });
+  m_filterWindow = window;
+  window->show();
+  detail->setChecked(true);
+}
+
+void frmMain::viewLockColumn() {
+  if (sheets::frmDataGrid* sheet = activeDataSheet()) sheet->LockColumns();
+}
+
+void frmMain::viewFreeze() {
+  if (sheets::frmDataGrid* sheet = activeDataSheet()) sheet->FreezeCol();
+}
+
+void frmMain::viewRefresh() {
+  if (sheets::frmDataGrid* sheet = activeDataSheet()) {
+    try {
+      sheet->RefreshData();
+    } catch (const db::Error&) {
+    }
+  }
+}
+
+// ---- Data
+
+bool frmMain::openDataSheet(const std::function<void(sheets::frmDataGrid&)>& layout) {
+  if (!m_state.cnProject) return false;
+  auto sheet = std::make_unique<sheets::frmDataGrid>(m_context);
+  try {
+    layout(*sheet);
+  } catch (const db::Error&) {
+    return false;
+  }
+  // The layout has handed the sheet to the MDI area through showChild.
+  if (sheet->parent())
+    sheet.release();
+  else
+    showChild(sheet.release());
+  return true;
+}
+
+void frmMain::dataPackage() { openDataSheet(&sheets::modGridStyles::PackageStyle); }
+
+void frmMain::dataSections() { openDataSheet(&sheets::modGridStyles::SectionsStyle); }
+
+void frmMain::dataDesignSummary() {
+  if (openDataSheet(&sheets::modGridStyles::DesignDetailsStyle)) tileHorizontal(*m_mdiArea);
+}
+
+void frmMain::dataDesign() { openDataSheet(&sheets::modGridStyles::DesignLevelsStyle); }
+
+void frmMain::dataInitial() {
+  openDataSheet([](sheets::frmDataGrid& sheet) {
+    sheets::modGridStyles::LevelsStyle(sheet, QStringLiteral("Initial"));
+  });
+}
+
+void frmMain::dataExecuted() {
+  openDataSheet([](sheets::frmDataGrid& sheet) {
+    sheets::modGridStyles::LevelsStyle(sheet, QStringLiteral("Executed"));
+  });
+}
+
+void frmMain::dataOutlets() { openDataSheet(&sheets::modGridStyles::OutletsStyle); }
+
+// ---- Output
+
+void frmMain::outputViewQuantity() {
+  if (!m_state.cnProject || m_state.lngSectionID < 1) return;
+  try {
+    sheets::modGridStyles::ShowQuantitySummary(m_context);
+  } catch (const db::Error&) {
+  }
+}
+
+void frmMain::outputExportQuantity() {}
+
+// ---- Tools and Help
+
+void frmMain::toolsOptions() {
+  showOptions(m_state, this, [this] { saveSettings(); });
+}
+
+void frmMain::saveSettings() {
+  recordWindowPlacement(*this, m_state.settings);
+  QSettings store;
+  SaveSettings(store, m_state.settings);
+}
+
+void frmMain::helpContents() {
+  const bool created = !m_helpWindow;
+  if (created) m_helpWindow = new HelpWindow(this);
+  QString error;
+  if (!m_helpWindow->openContents(m_manualFolder, error)) {
+    if (created) delete m_helpWindow;
+    message(error, sheets::MessageIcon::Critical);
+    return;
+  }
+  m_helpWindow->show();
+  m_helpWindow->raise();
+  m_helpWindow->activateWindow();
+}
+
+void frmMain::helpAbout() {
+  frmSplash about(this);
+  about.exec();
+}
+
+void frmMain::initialSet() {
+  if (m_state.lngSectionID <= 0 || !m_state.engine) return;
+  if (!askYesNo(QStringLiteral("Set Initial Levels"),
+                QStringLiteral("Initial levels will be checked and offset and chainage will be "
+                               "filled correctly. Do you want to continue?")))
+    return;
+  try {
+    engine::FormatInitialTable(*m_state.engine);
+    if (sheets::frmDataGrid* sheet = activeDataSheet()) sheet->RefreshData();
+  } catch (const db::Error&) {
+    // The command ends at the failing statement; the progress window must not stay behind.
+    m_state.engine->reporter().progressEnd();
+  }
+}
+
+// ---- Drill-down
+
+void frmMain::DoubleClickHandler(int row) {
+  const QString name = activeSheetName();
+  try {
+    if (name == QLatin1String("Package")) {
+      sheets::frmDataGrid* sheet = activeDataSheet();
+      m_state.lngPackageID = sheet->CurrentSelectedRecord();
+      activeChild()->close();
+      db::Statement query = m_state.cnProject->prepare(
+          QStringLiteral("SELECT [Name], Phase, District FROM Package WHERE ID=") +
+              QString::number(m_state.lngPackageID),
+          QStringLiteral("Reading the chosen package"));
+      m_state.strPackageName = query.step() ? query.text(0) : QString();
+      setWindowTitle(kTitle + QStringLiteral(" - ") + m_state.strPackageName);
+      EnableMenus();
+      dataSections();
+    } else if (name == QLatin1String("Sections")) {
+      sheets::frmDataGrid* sheet = activeDataSheet();
+      m_state.lngSectionID = sheet->CurrentSelectedRecord();
+      activeChild()->close();
+      db::Statement query = m_state.cnProject->prepare(
+          QStringLiteral("SELECT [Description], [Title], [DesignID] FROM Sections WHERE ID=") +
+              QString::number(m_state.lngSectionID),
+          QStringLiteral("Reading the chosen section"));
+      m_state.strSectionDescription = query.step() ? query.text(0) : QString();
+      setWindowTitle(kTitle + QStringLiteral(" - ") + m_state.strPackageName +
+                     QStringLiteral(" - ") + m_state.strSectionDescription);
+      if (m_state.engine) m_state.engine->setSection(m_state.lngSectionID);
+      setStatusPanel(1, QString());
+      setStatusPanel(2, QString());
+      setStatusPanel(3, QString());
+      EnableMenus();
+    } else if (name == QLatin1String("QuantitySummary")) {
+      const QString text = activeReport()->scg().Text(row, 0).trimmed();
+      bool numeric = false;
+      float chainage = text.toFloat(&numeric);
+      if (!numeric) chainage = QLocale().toFloat(text, &numeric);
+      if (numeric) sheets::modGridStyles::ShowAreaCalculation(m_context, chainage);
+    }
+  } catch (const db::Error&) {
+    // The drill-down ends quietly on a database error.
+  }
+}
+
+// ---- Link to the sheets
+
+QAction* frmMain::commandAction(Command command) const {
+  switch (command) {
+    case Command::mnuEdit:
+      return m_mnuEdit->menuAction();
+    case Command::mnuViewDetail:
+      return action(QStringLiteral("mnuViewDetail"));
+    case Command::mnuLockColumn:
+      return action(QStringLiteral("mnuLockColumn"));
+    case Command::mnuViewFreeze:
+      return action(QStringLiteral("mnuViewFreeze"));
+    case Command::mnuViewRefresh:
+      return action(QStringLiteral("mnuViewRefresh"));
+  }
+  return nullptr;
+}
+
+void frmMain::setCommandEnabled(Command command, bool enabled) {
+  commandAction(command)->setEnabled(enabled);
+  // A disabled menu title does not stop its items' shortcuts, so the items follow it.
+  if (command == Command::mnuEdit) {
+    for (QAction* item : m_mnuEdit->actions()) item->setEnabled(enabled);
+  }
+}
+
+bool frmMain::isCommandChecked(Command command) const {
+  return commandAction(command)->isChecked();
+}
+
+void frmMain::setCommandChecked(Command command, bool checked) {
+  commandAction(command)->setChecked(checked);
+}
+
+void frmMain::setToolButtonVisible(const QString& key, bool visible) {
+  if (QAction* button = action(QStringLiteral("tbToolBar/") + key)) button->setVisible(visible);
+}
+
+void frmMain::setToolButtonEnabled(const QString& key, bool enabled) {
+  if (QAction* button = action(QStringLiteral("tbToolBar/") + key)) button->setEnabled(enabled);
+}
+
+void frmMain::closeFilterWindow() {
+  if (m_filterWindow) m_filterWindow->close();
+}
+
+void frmMain::showChild(QWidget* window) {
+  QMdiSubWindow* child = m_mdiArea->addSubWindow(window);
+  child->setAttribute(Qt::WA_DeleteOnClose);
+  child->setWindowIcon(windowIcon());
+  window->show();
+  child->show();
+  m_mdiArea->setActiveSubWindow(child);
+}
+
+// ---- Closing
+
+void frmMain::closeEvent(QCloseEvent* event) {
+  closeFilterWindow();
+  m_mdiArea->closeAllSubWindows();
+  for (QMdiSubWindow* child : m_mdiArea->subWindowList()) {
+    // A sheet whose user chose to go on editing keeps the program open.
+    if (child->isVisible()) {
+      event->ignore();
+      return;
+    }
+  }
+  saveSettings();
+  if (m_helpWindow) m_helpWindow->close();
+  event->accept();
+  // The program ends with its main window, whatever other top-level windows are open.
+  QCoreApplication::quit();
 }
 
 }  // namespace app

@@ -1,23 +1,47 @@
 #pragma once
 
+#include "sheets/sheetcontext.h"
+
 #include <QMainWindow>
+#include <QPointer>
 #include <QString>
 
 #include <array>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
 
+class QAction;
+class QCheckBox;
 class QLabel;
 class QMdiArea;
+class QMdiSubWindow;
+class QMenu;
+class QPrinter;
+class QToolBar;
+
+namespace sheets {
+class dlgSearchWindow;
+class frmDataGrid;
+class frmReport;
+}  // namespace sheets
 
 namespace app {
 
 struct AppState;
+class HelpWindow;
 
 // The program's multiple-document frame: menus, tool bars and status bar, the user's current
 // package and section, and the routing of every command to the active child window.
-class frmMain : public QMainWindow {
+class frmMain : public QMainWindow, public sheets::MainWindowLink {
   Q_OBJECT
 
  public:
+  // Asks for a line of text (an input box); returns the empty text when the user cancels.
+  using InputFunction = std::function<QString(QWidget* parent, const QString& title,
+                                              const QString& prompt, const QString& defaultText)>;
+
   explicit frmMain(AppState& state, QWidget* parent = nullptr);
   ~frmMain() override;
 
@@ -27,10 +51,115 @@ class frmMain : public QMainWindow {
   void setStatusPanel(int panel, const QString& text);
   QString statusPanel(int panel) const;
 
+  // Enables the commands that need a package or a section, and shows tbBlockBar, by the
+  // current lngPackageID and lngSectionID.
+  void EnableMenus();
+
+  // A menu item or a button by its name: "mnuEditAdd", "mnuWindow" (the menu's own item), or
+  // "tbToolBar/Save", "tbBlockBar/InitialSet". Null when there is none.
+  QAction* action(const QString& name) const;
+  QToolBar* tbToolBar() const { return m_tbToolBar; }
+  QToolBar* tbBlockBar() const { return m_tbBlockBar; }
+  QCheckBox* chkUseExecutedLevel() const { return m_chkUseExecutedLevel; }
+
+  // The active child's window, its data sheet or report when it is one, and its sheet name
+  // (strCurrentDataSheet; empty for other windows and when there is no child).
+  QMdiSubWindow* activeChild() const;
+  sheets::frmDataGrid* activeDataSheet() const;
+  sheets::frmReport* activeReport() const;
+  QString activeSheetName() const;
+
+  // The context handed to every sheet and report window this window opens.
+  const sheets::SheetContext& sheetContext() const { return m_context; }
+
+  // Replace the message and input boxes (tests). The message function also serves the sheets
+  // and reports opened from here.
+  void setMessageFunction(sheets::MessageFunction message);
+  void setInputFunction(InputFunction input);
+
+  // Rebuilds the list of open children at the foot of the Window menu.
+  void updateWindowMenu();
+
+  // Writes the main window's placement and every setting to the settings store.
+  void saveSettings();
+
+  // Commands. Each one is what its menu item and button run.
+  void fileOpen();
+  void fileSave();
+  void filePageSetup();
+  void filePrint();
+  void editMenuEvent(std::int16_t command);
+  void editAdd();
+  void editDelete();
+  void viewFilterWindow();
+  void viewLockColumn();
+  void viewFreeze();
+  void viewRefresh();
+  void dataPackage();
+  void dataSections();
+  void dataDesignSummary();
+  void dataDesign();
+  void dataInitial();
+  void dataExecuted();
+  void dataOutlets();
+  void outputViewQuantity();
+  void outputExportQuantity();
+  void toolsOptions();
+  void helpContents();
+  void helpAbout();
+  void initialSet();
+
+  // The help window while it is open, otherwise null.
+  HelpWindow* helpWindow() const { return m_helpWindow; }
+  // The folder of the HTML manual; by default the "manual" folder beside the program.
+  void setManualFolder(const QString& folder) { m_manualFolder = folder; }
+
+  // sheets::MainWindowLink
+  void setCommandEnabled(Command command, bool enabled) override;
+  bool isCommandChecked(Command command) const override;
+  void setCommandChecked(Command command, bool checked) override;
+  void setToolButtonVisible(const QString& key, bool visible) override;
+  void setToolButtonEnabled(const QString& key, bool enabled) override;
+  void closeFilterWindow() override;
+  void showChild(QWidget* window) override;
+  void DoubleClickHandler(int row) override;
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+
  private:
+  void createMenus();
+  void createToolBars();
+  void createStatusBar();
+  QAction* addMenuItem(QMenu* menu, const QString& name, const QString& caption,
+                       void (frmMain::*command)(), const QKeySequence& shortcut = {});
+  QAction* addToolButton(QToolBar* bar, const QString& key, const QString& toolTip,
+                         const QString& iconKey, void (frmMain::*command)());
+  QAction* commandAction(Command command) const;
+  void useExecutedLevelChanged(bool checked);
+  // Opens a new data sheet through layout; false when a database error ended the command.
+  bool openDataSheet(const std::function<void(sheets::frmDataGrid&)>& layout);
+  void message(const QString& text, sheets::MessageIcon icon);
+  bool askYesNo(const QString& title, const QString& text);
+  QString input(const QString& title, const QString& prompt, const QString& defaultText);
+  QPrinter& printer();
+
   AppState& m_state;
+  sheets::SheetContext m_context;
+  InputFunction m_input;
   QMdiArea* m_mdiArea = nullptr;
   std::array<QLabel*, 4> m_panels{};
+  std::map<QString, QAction*> m_actions;
+  QMenu* m_mnuEdit = nullptr;
+  QMenu* m_mnuWindow = nullptr;
+  QAction* m_windowListSeparator = nullptr;
+  QToolBar* m_tbToolBar = nullptr;
+  QToolBar* m_tbBlockBar = nullptr;
+  QCheckBox* m_chkUseExecutedLevel = nullptr;
+  QPointer<sheets::dlgSearchWindow> m_filterWindow;
+  QPointer<HelpWindow> m_helpWindow;
+  QString m_manualFolder;
+  std::unique_ptr<QPrinter> m_printer;
 };
 
 }  // namespace app
