@@ -76,8 +76,9 @@ void writeTemplate(Connection& c) {
          QStringLiteral("Writing the design list"));
 }
 
-// Centre-line bed level of the demo canal: falling 0.2 m per km from 251.000.
-double bedLevelAt(double chainageKm) { return 251.0 - 0.2 * chainageKm; }
+// Centre-line bed level of the demo canal: falling 0.2 m per km from 151.000, inside the range
+// of reduced levels the level checks accept.
+double bedLevelAt(double chainageKm) { return 151.0 - 0.2 * chainageKm; }
 
 const Details& detailsAt(const std::vector<Details>& rows, double chainage) {
   const Details* in = &rows.front();

@@ -12,6 +12,9 @@ bool EngineSession::LoadDesignProfile() {
 void EngineSession::setSection(std::int32_t sectionId) {
   m_sectionId = sectionId;
   m_quantityChainagesOutOfDate = true;
+  // The cached details row and design-level interval belong to the previous section.
+  m_design.DetailsReload = true;
+  m_levels.Reload = true;
 }
 
 }  // namespace engine
