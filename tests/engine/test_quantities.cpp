@@ -1,0 +1,258 @@
+#include "engine/quantities.h"
+
+#include "db/project.h"
+#include "engine/areas.h"
+#include "engine/designsection.h"
+#include "engine/session.h"
+#include "tests/engine/areafixture.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using engine::ComputeQuantities;
+using engine::FillAreaDetails;
+using engine::MemoryReportGrid;
+using engine::QuantityRow;
+using testsupport::AreaFixture;
+
+constexpr float kTol = 1e-3f;
+
+class QuantitiesTest : public AreaFixture {
+ protected:
+  // Readings at chainage that pass the level checks and describe flat ground at 100.
+  void surveyed(float chainage, std::optional<float> cut, std::optional<float> fill) {
+    setFlatGround(chainage, 100.0f);
+    c.prepare(QStringLiteral("UPDATE DesignQty SET AreaCut=?, AreaFill=? WHERE Chainage=?"))
+        .bindMeasure(1, cut)
+        .bindMeasure(2, fill)
+        .bindMeasure(3, chainage)
+        .run();
+  }
+
+  void design() {
+    setDesignLevel(0.0f, 98.0f);
+    setDesignLevel(10.0f, 98.0f);
+    setSlopes(0.0f, 1.5f, 1.5f);
+  }
+
+  std::vector<QuantityRow> run(MemoryReportGrid* grid, float chainage) {
+    std::vector<QuantityRow> rows;
+    ComputeQuantities(session, grid, chainage,
+                      [&rows](const QuantityRow& row) { rows.push_back(row); });
+    return rows;
+  }
+};
+
+// Stored areas 10, 20 and 0 m² at 0.000, 0.020 and 0.050 km: 20 m × 15 m² + 30 m × 10 m².
+TEST_F(QuantitiesTest, VolumesUseAverageEndAreas) {
+  design();
+  surveyed(0.0f, 10.0f, 1.0f);
+  surveyed(0.02f, 20.0f, 1.0f);
+  surveyed(0.05f, 0.0f, 1.0f);
+  MemoryReportGrid grid;
+  const std::vector<QuantityRow> rows = run(&grid, 9.0f);  // no such chainage: all stored
+
+  ASSERT_EQ(rows.size(), 3u);
+  EXPECT_FALSE(rows[0].CutVolume.has_value());
+  EXPECT_NEAR(rows[1].CutVolume.value_or(-1), 300.0f, kTol);
+  EXPECT_NEAR(rows[2].CutVolume.value_or(-1), 300.0f, kTol);
+  EXPECT_NEAR(rows[2].FillVolume.value_or(-1), 30.0f, kTol);
+  EXPECT_NEAR(session.quantityRun().TotalCutVolume, 600.0f, kTol);
+  EXPECT_NEAR(session.quantityRun().TotalFillVolume, 50.0f, kTol);
+
+  ASSERT_EQ(grid.RowCount(), 4);
+  const char* expected[4][5] = {{"0.000", "10.000", "1.000", "", ""},
+                                {"0.020", "20.000", "1.000", "300.000", "20.000"},
+                                {"0.050", "0.000", "1.000", "300.000", "30.000"},
+                                {"", "", "", "600.00", "50.00"}};
+  for (int r = 0; r < 4; ++r)
+    for (int col = 0; col < 5; ++col)
+      EXPECT_EQ(grid.text(r, col), QString::fromLatin1(expected[r][col])) << r << "," << col;
+  EXPECT_TRUE(grid.bold(3, 3));
+  EXPECT_TRUE(grid.bold(3, 4));
+  EXPECT_FALSE(grid.bold(2, 3));
+  ASSERT_EQ(reporter.status.size(), 3);
+  EXPECT_EQ(reporter.status[0], QStringLiteral("1:Cutting Volume : 600.00 cum"));
+  EXPECT_EQ(reporter.status[1], QStringLiteral("2:Filling Volume : 50.00 cum"));
+  EXPECT_TRUE(reporter.status[2].startsWith(QLatin1String("3:Time : ")));
+  EXPECT_TRUE(reporter.status[2].endsWith(QLatin1String(" secs")));
+}
+
+TEST_F(QuantitiesTest, OneChainageHasNoVolumes) {
+  design();
+  surveyed(0.5f, 4.0f, 2.0f);
+  MemoryReportGrid grid;
+  const std::vector<QuantityRow> rows = run(&grid, -1.0f);
+  ASSERT_EQ(rows.size(), 1u);
+  EXPECT_NEAR(rows[0].CutArea, 26.0f, kTol);
+  EXPECT_FALSE(rows[0].CutVolume.has_value());
+  EXPECT_EQ(session.quantityRun().TotalCutVolume, 0.0f);
+  EXPECT_EQ(grid.text(0, 3), QString());
+  EXPECT_EQ(grid.text(1, 3), QStringLiteral("0.00"));
+}
+
+// Only the given chainage is recomputed; its neighbours' volumes use its new area and their own
+// stored ones.
+TEST_F(QuantitiesTest, GivenChainageIsRecomputedAndTheOthersTakeTheirStoredAreas) {
+  design();
+  surveyed(0.0f, 10.0f, 0.0f);
+  surveyed(0.02f, 20.0f, 0.0f);
+  surveyed(0.05f, std::nullopt, std::nullopt);  // never computed: counts as 0
+  const std::vector<QuantityRow> rows = run(nullptr, 0.02f);
+  ASSERT_EQ(rows.size(), 3u);
+  EXPECT_NEAR(rows[1].CutArea, 26.0f, kTol);
+  EXPECT_NEAR(rows[1].CutVolume.value_or(-1), 20 * (10 + 26) / 2.0f, kTol);
+  EXPECT_NEAR(rows[2].CutVolume.value_or(-1), 30 * 26 / 2.0f, kTol);
+  EXPECT_NEAR(session.quantityRun().TotalCutVolume, 750.0f, kTol);
+  EXPECT_NEAR(storedAreas(0.02f).first.value_or(-1), 26.0f, kTol);
+  EXPECT_EQ(storedAreas(0.0f).first, 10.0f);
+  EXPECT_FALSE(storedAreas(0.05f).first.has_value());
+}
+
+TEST_F(QuantitiesTest, FullRunComputesAndStoresEveryChainage) {
+  design();
+  surveyed(0.0f, std::nullopt, std::nullopt);
+  surveyed(0.1f, std::nullopt, std::nullopt);
+  const std::vector<QuantityRow> rows = run(nullptr, -1.0f);
+  ASSERT_EQ(rows.size(), 2u);
+  EXPECT_NEAR(session.quantityRun().TotalCutVolume, 100 * 26.0f, 0.01f);
+  EXPECT_NEAR(storedAreas(0.1f).first.value_or(-1), 26.0f, kTol);
+  EXPECT_TRUE(session.quantityRun().Computed);
+  EXPECT_TRUE(reporter.errors.isEmpty()) << reporter.errors.join(QLatin1Char('\n')).toStdString();
+}
+
+TEST_F(QuantitiesTest, InvalidLevelsStopTheRunBeforeAnythingChanges) {
+  design();
+  surveyed(0.0f, 5.0f, 5.0f);
+  c.exec(QStringLiteral("UPDATE Initial SET Level=300 WHERE Offset=10"));
+  MemoryReportGrid grid;
+  const std::vector<QuantityRow> rows = run(&grid, -1.0f);
+  EXPECT_TRUE(rows.empty());
+  EXPECT_FALSE(session.quantityRun().Computed);
+  EXPECT_EQ(grid.RowCount(), 0);
+  EXPECT_EQ(storedAreas(0.0f).first, 5.0f);
+  ASSERT_EQ(reporter.errors.size(), 1);
+  EXPECT_TRUE(reporter.errors[0].contains(QLatin1String("Initial Levels")));
+  EXPECT_TRUE(reporter.status.isEmpty());
+}
+
+// The quantity chainages follow Initial before the run: a new survey gets its row.
+TEST_F(QuantitiesTest, RunBringsTheQuantityChainagesInLineFirst) {
+  design();
+  surveyed(0.0f, std::nullopt, std::nullopt);
+  setFlatGround(0.1f, 100.0f);
+  c.exec(QStringLiteral("DELETE FROM DesignQty WHERE Chainage > 0.05"));
+  session.markQuantityChainagesOutOfDate();
+  const std::vector<QuantityRow> rows = run(nullptr, -1.0f);
+  ASSERT_EQ(rows.size(), 2u);
+  EXPECT_NEAR(storedAreas(0.1f).first.value_or(-1), 26.0f, kTol);
+}
+
+TEST_F(QuantitiesTest, UnusableColumnIsReportedOncePerRun) {
+  setQuantityColumns({{1, "CUT", "0", "100", "B"}, {4, "CUT", "0", "100", "B"}});
+  design();
+  surveyed(0.0f, std::nullopt, std::nullopt);
+  surveyed(0.1f, std::nullopt, std::nullopt);
+  run(nullptr, -1.0f);
+  run(nullptr, -1.0f);
+  EXPECT_EQ(reporter.errors.filter(QStringLiteral("ColNo 4")).size(), 2);
+}
+
+TEST_F(QuantitiesTest, AreaDetailsSheetShowsTheTableWithATotalsRow) {
+  design();
+  surveyed(0.0f, std::nullopt, std::nullopt);
+  MemoryReportGrid grid;
+  FillAreaDetails(session, 0.0f, grid);
+  // Rows at 20, 10, 8, 5 (left), 0, 5, 8, 10, 20 (right) and the totals.
+  ASSERT_EQ(grid.RowCount(), 10);
+  EXPECT_EQ(grid.text(0, 0), QStringLiteral("20.000"));
+  EXPECT_EQ(grid.text(0, 1), QStringLiteral("100.000"));
+  EXPECT_EQ(grid.text(0, 2), QString());  // no design beyond the catch point
+  EXPECT_EQ(grid.text(3, 0), QStringLiteral("5.000"));
+  EXPECT_EQ(grid.text(3, 2), QStringLiteral("98.000"));
+  EXPECT_EQ(grid.text(3, 3), QStringLiteral("2.000"));   // depth of cut
+  EXPECT_EQ(grid.text(3, 4), QString());                 // no fill
+  EXPECT_EQ(grid.text(3, 5), QStringLiteral("2.000"));   // average depth of cut
+  EXPECT_EQ(grid.text(3, 7), QStringLiteral("5.000"));   // horizontal distance
+  EXPECT_EQ(grid.text(3, 8), QStringLiteral("10.000"));  // cut area
+  EXPECT_EQ(grid.text(4, 0), QStringLiteral("0.000"));
+  EXPECT_EQ(grid.text(4, 7), QString());  // the centre row carries no strip
+  EXPECT_EQ(grid.text(9, 8), QStringLiteral("26.000"));
+  EXPECT_EQ(grid.text(9, 9), QStringLiteral("0.000"));
+  EXPECT_TRUE(grid.bold(9, 8));
+  EXPECT_TRUE(grid.bold(9, 9));
+  for (int r = 0; r < 10; ++r)
+    for (int col = 10; col <= 18; ++col) EXPECT_EQ(grid.text(r, col), QString());
+}
+
+TEST_F(QuantitiesTest, AreaDetailsSheetShowsExecutedColumnsWhenInUse) {
+  design();
+  surveyed(0.0f, std::nullopt, std::nullopt);
+  setExecuted(0.0f, {{-10.0f, 98.5f, {}},
+                     {-5.0f, 98.5f, {}},
+                     {0.0f, 98.5f, {}},
+                     {5.0f, 98.5f, {}},
+                     {10.0f, 98.5f, {}}});
+  session.setUseExecutedLevel(true);
+  MemoryReportGrid grid;
+  FillAreaDetails(session, 0.0f, grid);
+  ASSERT_EQ(grid.RowCount(), 10);
+  EXPECT_EQ(grid.text(5, 10), QStringLiteral("98.500"));  // executed level at right 5
+  EXPECT_EQ(grid.text(5, 11), QStringLiteral("1.500"));   // executed depth of cut
+  EXPECT_EQ(grid.text(5, 13), QStringLiteral("1.500"));
+  EXPECT_EQ(grid.text(5, 15), QStringLiteral("7.500"));
+  EXPECT_EQ(grid.text(5, 17), QStringLiteral("7.500"));
+  EXPECT_EQ(grid.text(9, 15), QStringLiteral("24.000"));
+  EXPECT_EQ(grid.text(9, 16), QStringLiteral("0.000"));
+  EXPECT_EQ(grid.text(9, 17), QStringLiteral("21.000"));
+  EXPECT_TRUE(grid.bold(9, 18));
+}
+
+// The demo canal: the bed is dug out of the ground and the banks are built up on it. The
+// ground wanders, so a few chainages lie below the bed or above the bank top.
+TEST(DemoAreas, BedIsInCutAndBanksAreInFill) {
+  testsupport::TempProject project;
+  db::Connection& c = project.create(true);
+  c.exec(QStringLiteral("PRAGMA synchronous=OFF"));
+  engine::RecordingReporter reporter;
+  engine::EngineSession session(c, reporter);
+  ASSERT_FALSE(session.LoadDesignProfile());
+  for (int section : {1, 2}) {
+    session.setSection(section);
+    engine::ResetDesignCache(session);
+    db::Statement chainages = c.prepare(
+        QStringLiteral("SELECT Chainage FROM DesignQty WHERE SectionID=? ORDER BY Chainage"));
+    chainages.bindKey(1, section);
+    int count = 0;
+    int bedInCut = 0;
+    int banksInFill = 0;
+    while (chainages.step()) {
+      float chainage = chainages.measure(0);
+      engine::ComputeSectionAreas(session, chainage);
+      const engine::AreaState& st = session.areas();
+      ++count;
+      ASSERT_TRUE(st.Left.Present && st.Right.Present) << section << " at " << chainage;
+      float bedCut = 0.0f;
+      float bankFill = 0.0f;
+      const float bedEdge = st.Right.Design[1].Offset;
+      const float bankInner = st.Right.Design[2].Offset;
+      for (int r = 0; r <= st.RowCount; ++r) {
+        const float d = st.Table.value(r, engine::kColDistance);
+        if (d <= bedEdge) bedCut += st.Table.value(r, 9);
+        if (d > bankInner) bankFill += st.Table.value(r, 10);
+      }
+      if (bedCut > 0.01f) ++bedInCut;
+      if (bankFill > 0.01f) ++banksInFill;
+      // A catch point's ground and design levels may differ in the last bit; no more.
+      EXPECT_GT(st.Area[0], -1e-6f);
+      EXPECT_GT(st.Area[1], -1e-6f);
+    }
+    EXPECT_GT(count, 100);
+    EXPECT_GE(bedInCut, count * 9 / 10) << "section " << section;
+    EXPECT_GE(banksInFill, count * 9 / 10) << "section " << section;
+  }
+  EXPECT_TRUE(reporter.errors.isEmpty()) << reporter.errors.join(QLatin1Char('\n')).toStdString();
+}
+
+}  // namespace
