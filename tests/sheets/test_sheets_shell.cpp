@@ -1,0 +1,205 @@
+#include "sheets/captiondrag.h"
+#include "sheets/mousewheel.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <QMouseEvent>
+#include <QTest>
+#include <QVBoxLayout>
+#include <QWheelEvent>
+#include <QWindow>
+
+namespace {
+
+struct RecordingWheelWindow : sheets::WheelAware {
+  void MouseWheel(int keys, int rotation, int x, int y) override {
+    calls.append({keys, rotation, x, y});
+  }
+  QList<sheets::WheelValues> calls;
+};
+
+// A top-level widget that counts the wheel events Qt itself delivers to it.
+class WheelCountingWidget : public QWidget {
+ public:
+  int received = 0;
+
+ protected:
+  void wheelEvent(QWheelEvent* event) override {
+    ++received;
+    event->accept();
+  }
+};
+
+void sendWheel(QWidget& widget, int angleDeltaY, Qt::MouseButtons buttons,
+               Qt::KeyboardModifiers modifiers) {
+  const QPointF local(10, 12);
+  QWheelEvent event(local, widget.mapToGlobal(local), QPoint(), QPoint(0, angleDeltaY), buttons,
+                    modifiers, Qt::NoScrollPhase, false);
+  QApplication::sendEvent(widget.windowHandle(), &event);
+}
+
+void sendMouse(QWidget* widget, QEvent::Type type, QPointF position, Qt::MouseButtons buttons) {
+  QMouseEvent event(type, position, widget->mapToGlobal(position),
+                    type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton, buttons,
+                    Qt::NoModifier);
+  QApplication::sendEvent(widget, &event);
+}
+
+}  // namespace
+
+class TestSheetsShell : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void wheelValuesUseClassicKeyBits_data();
+  void wheelValuesUseClassicKeyBits();
+  void wheelEventReachesServedWindowOnceAndQtStillHandlesIt();
+  void unhookedWindowNoLongerReceivesWheel();
+  void unhookingAnotherWindowKeepsTheServedOne();
+
+  void captionDragThreshold_data();
+  void captionDragThreshold();
+  void draggingCaptionMovesDialogAndKeepsAnchor();
+};
+
+void TestSheetsShell::wheelValuesUseClassicKeyBits_data() {
+  QTest::addColumn<Qt::MouseButtons>("buttons");
+  QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
+  QTest::addColumn<int>("delta");
+  QTest::addColumn<int>("keys");
+  QTest::addColumn<int>("rotation");
+  QTest::newRow("notch towards the user")
+      << Qt::MouseButtons() << Qt::KeyboardModifiers() << -120 << 0 << -120;
+  QTest::newRow("notch away from the user")
+      << Qt::MouseButtons() << Qt::KeyboardModifiers() << 120 << 0 << 120;
+  QTest::newRow("shift ctrl left")
+      << Qt::MouseButtons(Qt::LeftButton)
+      << Qt::KeyboardModifiers(Qt::ShiftModifier | Qt::ControlModifier) << 240 << 13 << 240;
+  QTest::newRow("right button") << Qt::MouseButtons(Qt::RightButton) << Qt::KeyboardModifiers()
+                                << -120 << 2 << -120;
+  QTest::newRow("middle button") << Qt::MouseButtons(Qt::MiddleButton) << Qt::KeyboardModifiers()
+                                 << 120 << 16 << 120;
+  QTest::newRow("alt is not a key bit")
+      << Qt::MouseButtons() << Qt::KeyboardModifiers(Qt::AltModifier) << 120 << 0 << 120;
+  QTest::newRow("fine-resolution wheel")
+      << Qt::MouseButtons() << Qt::KeyboardModifiers(Qt::ControlModifier) << 15 << 8 << 15;
+}
+
+void TestSheetsShell::wheelValuesUseClassicKeyBits() {
+  QFETCH(Qt::MouseButtons, buttons);
+  QFETCH(Qt::KeyboardModifiers, modifiers);
+  QFETCH(int, delta);
+  QFETCH(int, keys);
+  QFETCH(int, rotation);
+  const sheets::WheelValues v =
+      sheets::wheelValues(buttons, modifiers, delta, QPointF(640.4, 401.6));
+  QCOMPARE(v.keys, keys);
+  QCOMPARE(v.rotation, rotation);
+  QCOMPARE(v.x, 640);
+  QCOMPARE(v.y, 402);
+}
+
+void TestSheetsShell::wheelEventReachesServedWindowOnceAndQtStillHandlesIt() {
+  sheets::MouseWheelModule module;
+  RecordingWheelWindow served;
+  module.HookMouseWheel(&served);
+  QCOMPARE(module.servedWindow(), &served);
+
+  WheelCountingWidget widget;
+  widget.resize(200, 100);
+  widget.show();
+  QVERIFY(QTest::qWaitForWindowExposed(&widget));
+  sendWheel(widget, -120, Qt::LeftButton, Qt::ShiftModifier | Qt::ControlModifier);
+
+  QCOMPARE(served.calls.size(), 1);
+  QCOMPARE(served.calls[0].keys, 13);
+  QCOMPARE(served.calls[0].rotation, -120);
+  const QPoint global = widget.mapToGlobal(QPoint(10, 12));
+  QCOMPARE(served.calls[0].x, global.x());
+  QCOMPARE(served.calls[0].y, global.y());
+  QCOMPARE(widget.received, 1);
+}
+
+void TestSheetsShell::unhookedWindowNoLongerReceivesWheel() {
+  sheets::MouseWheelModule module;
+  RecordingWheelWindow served;
+  module.HookMouseWheel(&served);
+  module.UnhookMouseWheel();
+  QCOMPARE(module.servedWindow(), nullptr);
+
+  WheelCountingWidget widget;
+  widget.resize(200, 100);
+  widget.show();
+  QVERIFY(QTest::qWaitForWindowExposed(&widget));
+  sendWheel(widget, 120, Qt::NoButton, Qt::NoModifier);
+  QVERIFY(served.calls.isEmpty());
+  QCOMPARE(widget.received, 1);
+}
+
+void TestSheetsShell::unhookingAnotherWindowKeepsTheServedOne() {
+  sheets::MouseWheelModule module;
+  RecordingWheelWindow first;
+  RecordingWheelWindow second;
+  module.HookMouseWheel(&first);
+  module.HookMouseWheel(&second);
+  module.UnhookMouseWheel(&first);
+  QCOMPARE(module.servedWindow(), &second);
+  module.UnhookMouseWheel(&second);
+  QCOMPARE(module.servedWindow(), nullptr);
+}
+
+void TestSheetsShell::captionDragThreshold_data() {
+  QTest::addColumn<QPointF>("pointer");
+  QTest::addColumn<bool>("moves");
+  QTest::addColumn<QPointF>("move");
+  QTest::newRow("still") << QPointF(100, 50) << false << QPointF();
+  QTest::newRow("30 right") << QPointF(130, 50) << false << QPointF();
+  QTest::newRow("30 left and 30 up") << QPointF(70, 20) << false << QPointF();
+  QTest::newRow("31 right") << QPointF(131, 50) << true << QPointF(31, 0);
+  QTest::newRow("31 up") << QPointF(100, 19) << true << QPointF(0, -31);
+  QTest::newRow("31 left, 5 down") << QPointF(69, 55) << true << QPointF(-31, 5);
+}
+
+void TestSheetsShell::captionDragThreshold() {
+  QFETCH(QPointF, pointer);
+  QFETCH(bool, moves);
+  QFETCH(QPointF, move);
+  const auto result = sheets::captionDragMove(QPointF(100, 50), pointer);
+  QCOMPARE(result.has_value(), moves);
+  if (moves) QCOMPARE(*result, move);
+}
+
+void TestSheetsShell::draggingCaptionMovesDialogAndKeepsAnchor() {
+  QWidget dialog(nullptr, Qt::Dialog | Qt::FramelessWindowHint);
+  auto* caption = new QLabel(QStringLiteral(" Caption"), &dialog);
+  auto* layout = new QVBoxLayout(&dialog);
+  layout->addWidget(caption);
+  layout->addStretch(1);
+  dialog.resize(300, 200);
+  dialog.move(100, 100);
+  auto* drag = new sheets::CaptionDrag(caption);
+  dialog.show();
+  QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+
+  const double pixelsPerTwip = caption->logicalDpiX() / 1440.0;
+  const int small = static_cast<int>(30 * pixelsPerTwip);  // within the threshold
+  const int large = static_cast<int>(300 * pixelsPerTwip);
+  const QPoint start = dialog.pos();
+
+  sendMouse(caption, QEvent::MouseButtonPress, QPointF(5, 5), Qt::LeftButton);
+  QVERIFY(drag->dragging());
+  sendMouse(caption, QEvent::MouseMove, QPointF(5 + small, 5), Qt::LeftButton);
+  QCOMPARE(dialog.pos(), start);
+  sendMouse(caption, QEvent::MouseMove, QPointF(5 + large, 5 - large), Qt::LeftButton);
+  QCOMPARE(dialog.pos(), start + QPoint(large, -large));
+  // The anchor stays where the button went down, relative to the caption.
+  sendMouse(caption, QEvent::MouseMove, QPointF(5 + large, 5), Qt::LeftButton);
+  QCOMPARE(dialog.pos(), start + QPoint(2 * large, -large));
+  sendMouse(caption, QEvent::MouseButtonRelease, QPointF(5 + large, 5), Qt::NoButton);
+  QVERIFY(!drag->dragging());
+  sendMouse(caption, QEvent::MouseMove, QPointF(5 + 2 * large, 5), Qt::NoButton);
+  QCOMPARE(dialog.pos(), start + QPoint(2 * large, -large));
+}
+
+QTEST_MAIN(TestSheetsShell)
+#include "test_sheets_shell.moc"
