@@ -1,12 +1,14 @@
 #pragma once
 
 #include <QChar>
+#include <QPointer>
 #include <QRect>
 #include <QString>
 #include <QWidget>
 
 #include <cstdint>
-#include <set>
+#include <functional>
+#include <vector>
 
 class QHeaderView;
 
@@ -204,29 +206,38 @@ class GridControl : public QWidget {
   friend class GridDelegate;
   friend class GridHeader;
 
+  int visibleRowCount() const;
   void applyPercentWidths();
   void updateFrozenView();
   void updateFrozenGeometry();
+  int frozenWidth() const;
+  bool isFrozenColumn(int col) const;
   void headerPressed(Qt::Orientation orientation, int section, Qt::KeyboardModifiers modifiers);
   void headerDoubleClicked(Qt::Orientation orientation, int section);
   bool deliverKey(int key, Qt::KeyboardModifiers modifiers);
-  void editorWasOpened(QWidget* editor, int row, int col);
+  void editorWasCreated(QWidget* editor, int row, int col);
   void editorWasClosed(QWidget* editor);
-  bool isRowSelected(int row) const { return m_selectedRows.count(row) > 0; }
-  bool isColSelected(int col) const { return m_selectedCols.count(col) > 0; }
-  void repaintSelection();
+  void currentWasChanged(int row, int col);
+  bool isRowSelected(int row) const;
+  bool isColSelected(int col) const;
+  void repaintAll();
+  void forEachView(const std::function<void(GridView*)>& action) const;
 
   GridModel* m_model = nullptr;
   GridView* m_view = nullptr;
   GridView* m_frozenView = nullptr;
   GridDelegate* m_delegate = nullptr;
-  std::set<int> m_selectedRows;
-  std::set<int> m_selectedCols;
-  int m_selectionAnchorRow = -1;
-  int m_selectionAnchorCol = -1;
+  // Header selection, ascending.
+  std::vector<int> m_selectedRows;
+  std::vector<int> m_selectedCols;
+  int m_anchorRow = -1;
+  int m_anchorCol = -1;
   int m_frozenCols = 0;
   bool m_frozen = false;
-  QWidget* m_editor = nullptr;
+  bool m_redraw = true;
+  int m_headerHeight = -1;
+  QPointer<QWidget> m_editor;
+  GridView* m_editorView = nullptr;
   int m_editRow = -1;
   int m_editCol = -1;
   bool m_quietCurrent = false;
