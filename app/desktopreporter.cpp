@@ -62,10 +62,14 @@ void DesktopReporter::ShowError(const QString& message) {
 dlgErrorForm* DesktopReporter::errorForm() const { return m_errorForm; }
 
 void DesktopReporter::messageBox(const QString& text, Icon icon) {
+  messageBox(m_parent, text, icon);
+}
+
+void DesktopReporter::messageBox(QWidget* owner, const QString& text, Icon icon) {
   if (m_message)
     m_message(text, icon);
   else
-    showMessageBox(m_parent, text, icon);
+    showMessageBox(owner, text, icon);
 }
 
 frmProgress& DesktopReporter::progress() {

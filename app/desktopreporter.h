@@ -34,6 +34,8 @@ class DesktopReporter : public engine::Reporter {
   void ShowError(const QString& message) override;
   // A modal box titled "Delvane" with the icon's standard picture.
   void messageBox(const QString& text, Icon icon) override;
+  // The same box owned by a given window (a dialog that is open over the main window).
+  void messageBox(QWidget* owner, const QString& text, Icon icon);
   // Shows the progress window with SetProperties(caption, maximum, showBar) and repaints it.
   void progressStart(const QString& caption, int maximum, bool showBar) override;
   void progressValue(int value) override;

@@ -99,14 +99,17 @@ void dlgSelectDB::refreshList() {
       QDir(m_folder).entryList({kProjectPattern}, QDir::Files, QDir::Name | QDir::IgnoreCase);
   m_file1->addItems(names);
   const auto matches = m_file1->findItems(current, Qt::MatchExactly);
-  if (!current.isEmpty() && !matches.isEmpty()) m_file1->setCurrentItem(matches.first());
+  if (!current.isEmpty() && !matches.isEmpty())
+    m_file1->setCurrentItem(matches.first());
+  else if (m_file1->count() > 0)
+    m_file1->setCurrentRow(0);  // Enter opens the first project at once
 }
 
 bool dlgSelectDB::openFile(const QString& path) {
   try {
     m_connection = db::openProject(path);
   } catch (const db::Error& e) {
-    m_reporter.messageBox(e.message(), engine::Reporter::Icon::Exclamation);
+    m_reporter.messageBox(this, e.message(), engine::Reporter::Icon::Exclamation);
     return false;
   }
   m_strDatabasePath = path;
@@ -118,7 +121,7 @@ bool dlgSelectDB::createFile(const QString& path) {
   try {
     db::createProject(path, false);
   } catch (const db::Error& e) {
-    m_reporter.messageBox(e.message(), engine::Reporter::Icon::Exclamation);
+    m_reporter.messageBox(this, e.message(), engine::Reporter::Icon::Exclamation);
     return false;
   }
   refreshList();
@@ -135,7 +138,8 @@ std::unique_ptr<db::Connection> dlgSelectDB::takeConnection() { return std::move
 void dlgSelectDB::selectClicked() {
   const QListWidgetItem* item = m_file1->currentItem();
   if (!item || !item->isSelected()) {
-    m_reporter.messageBox(QStringLiteral("Select a project file from the list, or press Cancel."),
+    m_reporter.messageBox(this,
+                          QStringLiteral("Select a project file from the list, or press Cancel."),
                           engine::Reporter::Icon::Information);
     return;
   }

@@ -40,7 +40,8 @@ void ensureDemoProject(const QString& folder) {
   db::createProject(folder + db::demoProjectFileName(), true);
 }
 
-OpenResult OpenDatabase(AppState& state, QWidget* parent, bool atStartup) {
+OpenResult OpenDatabase(AppState& state, QWidget* parent, bool atStartup,
+                        const std::function<void()>& beforeReplacing) {
   const QString folder = dataFolder();
   if (atStartup) {
     try {
@@ -52,14 +53,15 @@ OpenResult OpenDatabase(AppState& state, QWidget* parent, bool atStartup) {
   }
   dlgSelectDB chooser(folder, *state.reporter, parent);
   if (chooser.exec() != QDialog::Accepted) return OpenResult::Cancelled;
-  return adoptProject(state, chooser.takeConnection(), chooser.strDatabasePath());
+  return adoptProject(state, chooser.takeConnection(), chooser.strDatabasePath(), beforeReplacing);
 }
 
 OpenResult adoptProject(AppState& state, std::unique_ptr<db::Connection> connection,
-                        const QString& path) {
+                        const QString& path, const std::function<void()>& beforeReplacing) {
   auto session = std::make_unique<engine::EngineSession>(*connection, *state.reporter);
   session->setNumberSymbols(localeSymbols());
   if (session->LoadDesignProfile()) return OpenResult::Refused;
+  if (beforeReplacing) beforeReplacing();
 
   // The engine refers to the connection, so it goes first.
   state.engine.reset();

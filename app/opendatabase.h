@@ -2,6 +2,7 @@
 
 #include <QString>
 
+#include <functional>
 #include <memory>
 
 class QWidget;
@@ -34,12 +35,14 @@ enum class OpenResult {
 // holds the new connection and engine session (the old ones are closed), the path, and no
 // current package or section. At start-up the demo project is first written into an empty
 // data folder. On Refused the refused file's connection is already closed and the state
-// still holds the previous project, if any.
-OpenResult OpenDatabase(AppState& state, QWidget* parent, bool atStartup);
+// still holds the previous project, if any. beforeReplacing runs once the new project is
+// accepted and while the previous one is still open: the place to close windows that use it.
+OpenResult OpenDatabase(AppState& state, QWidget* parent, bool atStartup,
+                        const std::function<void()>& beforeReplacing = {});
 
 // The same for a file already open: checks its design profile and makes it the state's
 // project. Used by OpenDatabase and by tests.
 OpenResult adoptProject(AppState& state, std::unique_ptr<db::Connection> connection,
-                        const QString& path);
+                        const QString& path, const std::function<void()>& beforeReplacing = {});
 
 }  // namespace app

@@ -415,6 +415,8 @@ void TestApp::chooserListsOnlyProjectFiles() {
   QCOMPARE(chooser.File1()->count(), 2);
   QCOMPARE(chooser.File1()->item(0)->text(), QStringLiteral("a.delvane"));
   QCOMPARE(chooser.File1()->item(1)->text(), QStringLiteral("b.delvane"));
+  QCOMPARE(chooser.File1()->currentRow(), 0);
+  QVERIFY(chooser.File1()->item(0)->isSelected());
   QCOMPARE(chooser.wnTitle()->text(), QStringLiteral(" Select DB"));
   QCOMPARE(chooser.cmdSelect()->text(), QStringLiteral("&Select"));
   QCOMPARE(chooser.cmdCancel()->text(), QStringLiteral("&Cancel"));
@@ -560,7 +562,18 @@ void TestApp::adoptingProjectResetsSelectionAndKeepsConnection() {
   state.lngPackageID = 4;
   state.lngSectionID = 9;
   state.strPackageName = QStringLiteral("old");
-  QCOMPARE(app::adoptProject(state, db::openProject(path), path), app::OpenResult::Opened);
+  const QString oldPath = dir.filePath(QStringLiteral("old.delvane"));
+  db::createProject(oldPath, false);
+  QCOMPARE(app::adoptProject(state, db::openProject(oldPath), oldPath), app::OpenResult::Opened);
+  state.lngPackageID = 4;
+  state.lngSectionID = 9;
+  state.strPackageName = QStringLiteral("old");
+  // Windows on the previous project close while its connection is still open.
+  QString openDuringSwitch;
+  const auto closeWindows = [&] { openDuringSwitch = state.cnProject->path(); };
+  QCOMPARE(app::adoptProject(state, db::openProject(path), path, closeWindows),
+           app::OpenResult::Opened);
+  QCOMPARE(openDuringSwitch, oldPath);
   QVERIFY(state.cnProject);
   QVERIFY(state.engine);
   QCOMPARE(&state.engine->connection(), state.cnProject.get());
@@ -587,7 +600,10 @@ void TestApp::projectWithoutDesignProfileIsRefusedAndOldProjectKept() {
   db::Connection* kept = state.cnProject.get();
   state.lngSectionID = 3;
 
-  QCOMPARE(app::adoptProject(state, db::openProject(empty), empty), app::OpenResult::Refused);
+  bool replaced = false;
+  QCOMPARE(app::adoptProject(state, db::openProject(empty), empty, [&] { replaced = true; }),
+           app::OpenResult::Refused);
+  QVERIFY(!replaced);
   QCOMPARE(desktop.messages.size(), 1);
   QCOMPARE(desktop.messages[0].text,
            QStringLiteral("No design profile found in the database. DB not correctly installed."));
