@@ -4,6 +4,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 #include <string_view>
 
@@ -93,6 +94,30 @@ bool readNumber(const char16_t* begin, const char16_t* end, double& value) {
   }
   value = 0.0;
   if (!digits) return true;
+
+  // Up to 15 digits with at most 22 decimals: the digits and the power of ten are exact
+  // doubles, so one division gives the correctly rounded value, as from_chars would.
+  static constexpr double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                            1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                            1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+  std::int64_t mantissa = 0;
+  int digitCount = 0;
+  int decimals = 0;
+  bool afterPoint = false;
+  for (const char16_t* q = start; q < p && digitCount <= 15; ++q) {
+    if (*q == u'.') {
+      afterPoint = true;
+      continue;
+    }
+    mantissa = mantissa * 10 + (*q - u'0');
+    ++digitCount;
+    if (afterPoint) ++decimals;
+  }
+  if (digitCount <= 15 && decimals <= 22) {
+    value = static_cast<double>(mantissa) / kPowersOfTen[decimals];
+    if (negative) value = -value;
+    return true;
+  }
 
   const auto length = static_cast<std::size_t>(p - start);
   char small[128];
