@@ -106,20 +106,28 @@ TEST(EvaluateFormula, ReducesTheInnermostGroupFirst) {
 
 TEST(EvaluateFormula, RoundsHalvesToEven) {
   engine::modVariables vars;
-  expectValues(vars,
-               {
-                   {"10.567#2", 10.57f}, {"2.5#0", 2},       {"3.5#0", 4},
-                   {"-2.5#0", -2},       {"12.5#0", 12},     {"0.125#2", 0.12f},
-                   {"0.135#2", 0.14f},   {"2.675#2", 2.68f},  // a decimal half, although 2.675 is
-                                                              // below it in binary
-                   {"0.1251#2", 0.13f},  {"9.995#2", 10},    {"1.2345#9", 1.2345f},
-                   {"1.25#1.5", 1.25f},                 // 1.5 places round to 2
-                   {"1.35#0.5", 1},                     // 0.5 places round to 0
-                   {"7%4", 3},           {"-7%4", -3},  // the sign of the first
-                   {"7%-4", 3},          {"7.6%4", 0},  // 8%4
-                   {"6.5%4", 2},                        // 6.5 rounds to 6
-                   {"7%2.5", 1},                        // 2.5 rounds to 2
-               });
+  expectValues(vars, {
+                         {"10.567#2", 10.57f},
+                         {"2.5#0", 2},
+                         {"3.5#0", 4},
+                         {"-2.5#0", -2},
+                         {"12.5#0", 12},
+                         {"0.125#2", 0.12f},
+                         {"0.135#2", 0.14f},
+                         {"2.675#2", 2.68f},  // a decimal half, although 2.675 is
+                                              // below it in binary
+                         {"0.1251#2", 0.13f},
+                         {"9.995#2", 10},
+                         {"1.2345#9", 1.2345f},
+                         {"1.25#1.5", 1.25f},  // 1.5 places round to 2
+                         {"1.35#0.5", 1},      // 0.5 places round to 0
+                         {"7%4", 3},
+                         {"-7%4", -3},  // the sign of the first
+                         {"7%-4", 3},
+                         {"7.6%4", 0},  // 8%4
+                         {"6.5%4", 2},  // 6.5 rounds to 6
+                         {"7%2.5", 1},  // 2.5 rounds to 2
+                     });
 }
 
 TEST(EvaluateFormula, FailedFormulasYieldZero) {
