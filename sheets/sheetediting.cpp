@@ -157,8 +157,18 @@ void SheetEditing::selectByClick(int row, int col, bool extend) {
 void SheetEditing::onMouseDown(int row, int col) {
   m_mouseHeld = true;
   m_dragging = false;
+  m_clickEndsDrag = false;
   m_pressRow = row;
   m_pressCol = col;
+  // A drag starts from the pressed cell, even when it was already the current cell.
+  if (!shiftHeld() && row >= 0 && col >= 0) {
+    if (m_rangeSelected) {
+      RedrawOff redraw(m_grid);
+      unhighlight();
+      m_rangeSelected = false;
+    }
+    m_selection = {toInt16(col), toInt16(col), toInt16(row), toInt16(row)};
+  }
 }
 
 void SheetEditing::onMouseMove(int row, int col) {
@@ -170,13 +180,17 @@ void SheetEditing::onMouseMove(int row, int col) {
   selectByClick(row, col, true);
 }
 
-void SheetEditing::onMouseUp(int, int) { m_mouseHeld = false; }
+void SheetEditing::onMouseUp(int, int) {
+  m_mouseHeld = false;
+  m_clickEndsDrag = m_dragging;
+  m_dragging = false;
+}
 
 void SheetEditing::onCellClicked(int row, int col) {
   if (row < 0 && col < 0) return;
   // The click that ends a drag keeps the dragged rectangle.
-  if (m_dragging) {
-    m_dragging = false;
+  if (m_clickEndsDrag) {
+    m_clickEndsDrag = false;
     return;
   }
   selectByClick(row, col, shiftHeld());
@@ -187,6 +201,11 @@ void SheetEditing::onCurrentCellChanged(int row, int col) {
       m_hooks.rowEdited)
     m_hooks.rowEdited(row);
   if (shiftHeld() || m_dragging) return;
+  if (m_rangeSelected) {  // the collapsed selection is not highlighted
+    RedrawOff redraw(m_grid);
+    unhighlight();
+    m_rangeSelected = false;
+  }
   const auto r = toInt16(std::max(row, 0));
   const auto c = toInt16(std::max(col, 0));
   m_selection = {c, c, r, r};
@@ -278,7 +297,16 @@ QString SheetEditing::pasteAt(const QString& text, int startRow, int startCol) {
   // Writes one field and collects the text it replaces, followed by separator; a field
   // outside the grid is dropped.
   auto put = [&](QStringView field, const QString& separator) {
-    if (row < 0 || col < 0 || row >= rows || col >= cols) return;
+    if (row < 0 || col < 0 || row >= rows) return;
+    if (col >= cols) {
+      // The row's last fields fall beyond the last column. Its collected cells still end the
+      // row, or undo would put the next row's cells on this one.
+      if (separator == kLineBreak && collected.endsWith(kTab)) {
+        collected.chop(1);
+        collected += kLineBreak;
+      }
+      return;
+    }
     collected += m_grid.Text(row, col);
     collected += separator;
     m_grid.Text(row, col, field.toString());
@@ -459,6 +487,20 @@ void SheetEditing::onKeyDown(int key, Qt::KeyboardModifiers modifiers, bool& han
 
   if (shift && (isArrowKey(key) || key == Qt::Key_Home || key == Qt::Key_End)) {
     extendByKey(key);
+    handled = true;
+    return;
+  }
+
+  // An edit opened by typing or a double-click is left with the arrow keys.
+  if (editing && isArrowKey(key) && !ctrl && !alt) {
+    int r = row;
+    int c = col;
+    if (key == Qt::Key_Left) c = std::max(col - 1, 0);
+    if (key == Qt::Key_Right) c = std::min(col + 1, m_grid.Cols() - 1);
+    if (key == Qt::Key_Up) r = std::max(row - 1, 0);
+    if (key == Qt::Key_Down) r = std::min(row + 1, m_grid.Rows() - 1);
+    m_grid.EndEdit();
+    m_grid.SetCurrentCell(r, c);
     handled = true;
     return;
   }

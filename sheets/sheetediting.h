@@ -136,6 +136,8 @@ class SheetEditing : public QObject {
   bool m_mouseHeld = false;
   // The mouse moved to another cell while held; the click that ends it keeps the rectangle.
   bool m_dragging = false;
+  // The button came up after a drag; the click the grid reports next keeps the rectangle.
+  bool m_clickEndsDrag = false;
   int m_pressRow = -1;
   int m_pressCol = -1;
   // Modifier keys of the last key or mouse event, to tell Shift-clicks and Shift-moves.
