@@ -71,5 +71,7 @@ extern const Command kFormulaCommands[];
 extern const int kFormulaCommandCount;
 extern const Command kDesignCommands[];
 extern const int kDesignCommandCount;
+extern const Command kQuantityCommands[];
+extern const int kQuantityCommandCount;
 
 }  // namespace cli

@@ -1,0 +1,326 @@
+#include "cli/command.h"
+#include "cli/json.h"
+#include "db/connection.h"
+#include "db/numbers.h"
+#include "engine/areas.h"
+#include "engine/numberformat.h"
+#include "engine/quantities.h"
+#include "engine/session.h"
+
+#include <cmath>
+#include <map>
+#include <memory>
+#include <vector>
+
+namespace cli {
+
+namespace {
+
+const QString kSection = QStringLiteral("section");
+const QString kChainage = QStringLiteral("chainage");
+const QString kExecuted = QStringLiteral("executed");
+const QString kJson = QStringLiteral("json");
+const QString kCsv = QStringLiteral("csv");
+const QString kAll = QStringLiteral("all");
+
+// The console reporter that also keeps the status-bar texts, which the text output prints.
+class QuantityReporter : public ConsoleReporter {
+ public:
+  using ConsoleReporter::ConsoleReporter;
+  void statusText(int panel, const QString& text) override { m_status[panel] = text; }
+  QString status(int panel) const {
+    auto it = m_status.find(panel);
+    return it == m_status.end() ? QString() : it->second;
+  }
+
+ private:
+  std::map<int, QString> m_status;
+};
+
+// An open project with an engine session and its design profile.
+struct Session {
+  std::unique_ptr<db::Connection> connection;
+  std::unique_ptr<QuantityReporter> reporter;
+  std::unique_ptr<engine::EngineSession> engine;
+};
+
+// Opens FILE and loads the design profile; returns the exit code when that fails, else -1.
+int open(Context& context, Session& s) {
+  const QStringList files = context.parser.positionalArguments();
+  if (files.size() != 1) return usageError(context, QStringLiteral("give exactly one FILE."));
+  s.connection = openProjectOrReport(context, files.first());
+  if (!s.connection) return kCannotOpen;
+  s.reporter = std::make_unique<QuantityReporter>(context.err);
+  s.engine = std::make_unique<engine::EngineSession>(*s.connection, *s.reporter);
+  if (s.engine->LoadDesignProfile()) return kCannotOpen;
+  s.engine->setUseExecutedLevel(context.parser.isSet(kExecuted));
+  return -1;
+}
+
+// The section of --section; nullopt (after the usage message) when missing or bad.
+std::optional<std::int32_t> sectionOption(Context& context, int& code) {
+  if (!context.parser.isSet(kSection)) {
+    code = usageError(context, QStringLiteral("give the section with --section ID."));
+    return std::nullopt;
+  }
+  const auto section = parseKey(context.parser.value(kSection));
+  if (!section || *section <= 0) {
+    code = usageError(context, QStringLiteral("--section needs a positive whole number, not '") +
+                                   context.parser.value(kSection) + QStringLiteral("'."));
+    return std::nullopt;
+  }
+  return section;
+}
+
+// The chainage of --chainage, or fallback when it is not given; nullopt on bad text.
+std::optional<float> chainageOption(Context& context, float fallback, int& code) {
+  if (!context.parser.isSet(kChainage)) return fallback;
+  const auto chainage = parseMeasure(context.parser.value(kChainage));
+  if (!chainage || !std::isfinite(*chainage)) {
+    code = usageError(context, QStringLiteral("--chainage needs a number in kilometres, not '") +
+                                   context.parser.value(kChainage) + QStringLiteral("'."));
+    return std::nullopt;
+  }
+  return chainage;
+}
+
+// Runs body, turning a database failure into a message naming the file and exit code 3.
+template <typename Body>
+int guarded(Context& context, Session& s, Body body) {
+  try {
+    return body();
+  } catch (const db::Error& e) {
+    context.err << s.connection->path() << ": " << e.message() << "\n";
+    return kCannotOpen;
+  }
+}
+
+void addCommon(QCommandLineParser& parser) {
+  parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The project file."));
+  parser.addOption(
+      {kSection, QStringLiteral("The section to work on (its ID)."), QStringLiteral("ID")});
+  parser.addOption({kExecuted, QStringLiteral("Carry the executed levels along, as the main "
+                                              "window's 'use executed levels' switch does.")});
+  parser.addOption({kJson, QStringLiteral("Write the result as one JSON object.")});
+}
+
+QString tabbed(const QStringList& cells) { return cells.join(QLatin1Char('\t')); }
+
+// ---- areas ----------------------------------------------------------------------------------
+
+void areasOptions(QCommandLineParser& parser) {
+  addCommon(parser);
+  parser.addOption({kChainage, QStringLiteral("The chainage in kilometres."), QStringLiteral("C")});
+}
+
+int areas(Context& context) {
+  int code = -1;
+  const auto section = sectionOption(context, code);
+  if (!section) return code;
+  if (!context.parser.isSet(kChainage))
+    return usageError(context, QStringLiteral("give the chainage with --chainage C."));
+  const auto chainage = chainageOption(context, -1.0f, code);
+  if (!chainage) return code;
+  Session s;
+  if (int failed = open(context, s); failed >= 0) return failed;
+  return guarded(context, s, [&] {
+    engine::EngineSession& session = *s.engine;
+    session.setSection(*section);
+    engine::ResetDesignCache(session);
+    engine::MemoryReportGrid grid;
+    engine::FillAreaDetails(session, *chainage, grid);
+    const engine::AreaState& st = session.areas();
+
+    if (context.parser.isSet(kJson)) {
+      QJsonArray areaSlots;
+      for (int i = 0; i < 6; ++i) areaSlots.append(jsonNumber(st.Area[i]));
+      QJsonArray rows;
+      for (int r = 0; r <= st.RowCount; ++r) {
+        QJsonArray cells;
+        for (int c = 0; c <= 18; ++c) cells.append(jsonNumber(st.Table.value(r, c)));
+        rows.append(cells);
+      }
+      writeJson(context.out, {{QStringLiteral("chainage"), jsonNumber(st.Chainage)},
+                              {QStringLiteral("area_cut"), jsonNumber(st.Area[0])},
+                              {QStringLiteral("area_fill"), jsonNumber(st.Area[1])},
+                              {QStringLiteral("slots"), areaSlots},
+                              {QStringLiteral("rows"), rows},
+                              {QStringLiteral("errors"), jsonLines(s.reporter->errors())}});
+    } else {
+      const int columns = session.useExecutedLevel() ? 19 : 10;
+      QStringList headers = engine::AreaCalculationHeaders();
+      while (headers.size() < columns) headers.append(QString());
+      context.out << "Area Calculation for Chainage : " << db::floatText(*chainage) << '\n'
+                  << tabbed(headers) << '\n';
+      for (int r = 0; r < grid.RowCount(); ++r) {
+        QStringList cells;
+        for (int c = 0; c < columns; ++c) cells.append(grid.text(r, c));
+        context.out << tabbed(cells) << '\n';
+      }
+    }
+    return s.reporter->errors().isEmpty() ? kOk : kDataProblems;
+  });
+}
+
+// ---- quantities -----------------------------------------------------------------------------
+
+void quantitiesOptions(QCommandLineParser& parser) {
+  addCommon(parser);
+  parser.addOption({kChainage,
+                    QStringLiteral("Compute this chainage only and take the stored areas of the "
+                                   "others (default: compute every chainage)."),
+                    QStringLiteral("C")});
+  parser.addOption({kCsv, QStringLiteral("Write the summary as comma-separated plain numbers.")});
+  parser.addOption({kAll, QStringLiteral("Run every section of every package and print the "
+                                         "totals of each and the grand total.")});
+}
+
+QJsonValue optionalNumber(const std::optional<float>& value) {
+  return value ? jsonNumber(*value) : QJsonValue(QJsonValue::Null);
+}
+
+QString csvNumber(const std::optional<float>& value) {
+  return value ? db::floatText(*value) : QString();
+}
+
+int oneSection(Context& context, Session& s, std::int32_t section, float chainage) {
+  engine::EngineSession& session = *s.engine;
+  session.setSection(section);
+  engine::MemoryReportGrid grid;
+  std::vector<engine::QuantityRow> rows;
+  engine::ComputeQuantities(session, &grid, chainage,
+                            [&rows](const engine::QuantityRow& row) { rows.push_back(row); });
+  const engine::QuantityRunState& run = session.quantityRun();
+
+  if (context.parser.isSet(kJson)) {
+    QJsonArray out;
+    for (const engine::QuantityRow& row : rows)
+      out.append(QJsonObject{{QStringLiteral("chainage"), jsonNumber(row.Chainage)},
+                             {QStringLiteral("cut_area"), jsonNumber(row.CutArea)},
+                             {QStringLiteral("fill_area"), jsonNumber(row.FillArea)},
+                             {QStringLiteral("cut_volume"), optionalNumber(row.CutVolume)},
+                             {QStringLiteral("fill_volume"), optionalNumber(row.FillVolume)}});
+    writeJson(context.out, {{QStringLiteral("section"), section},
+                            {QStringLiteral("computed"), run.Computed},
+                            {QStringLiteral("rows"), out},
+                            {QStringLiteral("total_cut_volume"), jsonNumber(run.TotalCutVolume)},
+                            {QStringLiteral("total_fill_volume"), jsonNumber(run.TotalFillVolume)},
+                            {QStringLiteral("errors"), jsonLines(s.reporter->errors())}});
+  } else if (!run.Computed) {
+    context.out << "The quantities of section " << section
+                << " were not computed: its level data have problems, named above.\n";
+  } else if (context.parser.isSet(kCsv)) {
+    context.out << engine::QuantitySummaryHeaders().join(QLatin1Char(',')) << '\n';
+    for (const engine::QuantityRow& row : rows)
+      context.out << db::floatText(row.Chainage) << ',' << db::floatText(row.CutArea) << ','
+                  << db::floatText(row.FillArea) << ',' << csvNumber(row.CutVolume) << ','
+                  << csvNumber(row.FillVolume) << '\n';
+    context.out << ",,," << db::floatText(run.TotalCutVolume) << ','
+                << db::floatText(run.TotalFillVolume) << '\n';
+  } else {
+    context.out << tabbed(engine::QuantitySummaryHeaders()) << '\n';
+    for (int r = 0; r < grid.RowCount(); ++r) {
+      QStringList cells;
+      for (int c = 0; c < 5; ++c) cells.append(grid.text(r, c));
+      context.out << tabbed(cells) << '\n';
+    }
+    context.out << s.reporter->status(1) << '\n' << s.reporter->status(2) << '\n';
+  }
+  return run.Computed && s.reporter->errors().isEmpty() ? kOk : kDataProblems;
+}
+
+int allSections(Context& context, Session& s) {
+  struct SectionRow {
+    std::int32_t id;
+    QString description;
+  };
+  std::vector<SectionRow> sections;
+  {
+    db::Statement st = s.connection->prepare(
+        QStringLiteral("SELECT s.ID, s.Description FROM Sections s JOIN Package p ON p.ID = "
+                       "s.PackageID ORDER BY p.District, p.Name, p.ID, s.Description, s.ID"),
+        QStringLiteral("Listing the sections"));
+    while (st.step()) sections.push_back({st.key(0), st.text(1)});
+  }
+  engine::EngineSession& session = *s.engine;
+  const engine::NumberSymbols symbols;
+  double totalCut = 0.0;
+  double totalFill = 0.0;
+  bool allComputed = true;
+  QJsonArray out;
+  for (const SectionRow& section : sections) {
+    session.setSection(section.id);
+    engine::ComputeQuantities(session, nullptr, -1.0f);
+    const engine::QuantityRunState& run = session.quantityRun();
+    allComputed = allComputed && run.Computed;
+    if (run.Computed) {
+      totalCut += run.TotalCutVolume;
+      totalFill += run.TotalFillVolume;
+    }
+    if (context.parser.isSet(kJson)) {
+      out.append(
+          QJsonObject{{QStringLiteral("section"), section.id},
+                      {QStringLiteral("description"), section.description},
+                      {QStringLiteral("computed"), run.Computed},
+                      {QStringLiteral("total_cut_volume"), jsonNumber(run.TotalCutVolume)},
+                      {QStringLiteral("total_fill_volume"), jsonNumber(run.TotalFillVolume)}});
+    } else if (!run.Computed) {
+      context.out << "Section " << section.id << " (" << section.description
+                  << "): not computed, its level data have problems.\n";
+    } else {
+      context.out << "Section " << section.id << " (" << section.description
+                  << "): Cutting Volume : " << engine::formatNumber(run.TotalCutVolume, 2, symbols)
+                  << " cum, Filling Volume : "
+                  << engine::formatNumber(run.TotalFillVolume, 2, symbols) << " cum\n";
+    }
+  }
+  if (context.parser.isSet(kJson)) {
+    writeJson(context.out,
+              {{QStringLiteral("sections"), out},
+               {QStringLiteral("total_cut_volume"), jsonNumber(static_cast<float>(totalCut))},
+               {QStringLiteral("total_fill_volume"), jsonNumber(static_cast<float>(totalFill))},
+               {QStringLiteral("errors"), jsonLines(s.reporter->errors())}});
+  } else {
+    context.out << "Total: Cutting Volume : " << engine::formatNumber(totalCut, 2, symbols)
+                << " cum, Filling Volume : " << engine::formatNumber(totalFill, 2, symbols)
+                << " cum\n";
+  }
+  return allComputed && s.reporter->errors().isEmpty() ? kOk : kDataProblems;
+}
+
+int quantities(Context& context) {
+  int code = -1;
+  const bool all = context.parser.isSet(kAll);
+  if (context.parser.isSet(kJson) && context.parser.isSet(kCsv))
+    return usageError(context, QStringLiteral("give --json or --csv, not both."));
+  std::optional<std::int32_t> section;
+  if (all) {
+    if (context.parser.isSet(kSection) || context.parser.isSet(kChainage) ||
+        context.parser.isSet(kCsv))
+      return usageError(context, QStringLiteral("--all runs every section; it takes no --section, "
+                                                "--chainage or --csv."));
+  } else {
+    section = sectionOption(context, code);
+    if (!section) return code;
+  }
+  const auto chainage = chainageOption(context, -1.0f, code);
+  if (!chainage) return code;
+  Session s;
+  if (int failed = open(context, s); failed >= 0) return failed;
+  return guarded(context, s, [&] {
+    return all ? allSections(context, s) : oneSection(context, s, *section, *chainage);
+  });
+}
+
+}  // namespace
+
+const Command kQuantityCommands[] = {
+    {"areas", "Compute the cut and fill areas of one chainage and print its area calculation.",
+     areasOptions, areas},
+    {"quantities",
+     "Run the quantities of a section (or of all): areas, volumes and the total cut and fill.",
+     quantitiesOptions, quantities},
+};
+const int kQuantityCommandCount = std::size(kQuantityCommands);
+
+}  // namespace cli
