@@ -335,12 +335,13 @@ void AreaDetailsTable::set(int row, int column, float value) {
 }
 
 void AreaDetailsTable::clear() {
-  for (int r = 0; r < m_used; ++r)
-    for (int c = 0; c < kClearedColumns; ++c) m_rows[r][c] = Cell{};
+  const int used = m_used;
   m_used = 0;
-  for (int r = 0; r < capacity(); ++r)
+  for (int r = 0; r < used; ++r) {
+    for (int c = 0; c < kClearedColumns; ++c) m_rows[r][c] = Cell{};
     for (int c = kClearedColumns; c < kAreaTableColumns; ++c)
       if (m_rows[r][c].set) m_used = r + 1;
+  }
 }
 
 void AreaDetailsTable::ensureRow(int row) {
