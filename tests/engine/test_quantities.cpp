@@ -255,4 +255,25 @@ TEST(DemoAreas, BedIsInCutAndBanksAreInFill) {
   EXPECT_TRUE(reporter.errors.isEmpty()) << reporter.errors.join(QLatin1Char('\n')).toStdString();
 }
 
+TEST(DemoQuantities, DemoSectionsPassTheLevelChecksAndGiveVolumes) {
+  testsupport::TempProject project;
+  db::Connection& c = project.create(true);
+  c.exec(QStringLiteral("PRAGMA synchronous=OFF"));
+  engine::RecordingReporter reporter;
+  engine::EngineSession session(c, reporter);
+  ASSERT_FALSE(session.LoadDesignProfile());
+  for (int section : {1, 2}) {
+    session.setSection(section);
+    MemoryReportGrid grid;
+    ComputeQuantities(session, &grid, -1.0f);
+    const engine::QuantityRunState& run = session.quantityRun();
+    EXPECT_TRUE(run.Computed) << "section " << section;
+    EXPECT_GT(run.RowCount, 100);
+    EXPECT_EQ(grid.RowCount(), run.RowCount + 1);
+    EXPECT_GT(run.TotalCutVolume, 10000.0f);
+    EXPECT_GT(run.TotalFillVolume, 10000.0f);
+  }
+  EXPECT_TRUE(reporter.errors.isEmpty()) << reporter.errors.join(QLatin1Char('\n')).toStdString();
+}
+
 }  // namespace
