@@ -54,9 +54,15 @@ QStringList AreaCalculationHeaders() {
 void ComputeQuantities(EngineSession& session, ReportGrid* sheet, float chainage,
                        const std::function<void(const QuantityRow&)>& onRow) {
   QuantityRunState& run = session.quantityRun();
+  if (run.Running) return;
   Reporter& reporter = session.reporter();
   db::Connection& connection = session.connection();
   const NumberSymbols& symbols = session.numberSymbols();
+  struct RunningFlag {
+    bool& flag;
+    explicit RunningFlag(bool& f) : flag(f) { flag = true; }
+    ~RunningFlag() { flag = false; }
+  } running(run.Running);
 
   const float startTime = secondsSinceMidnight();
   run.TotalCutVolume = 0.0f;

@@ -29,6 +29,8 @@ struct QuantityRunState {
   // False when the last run was stopped by invalid level data (nothing was computed).
   bool Computed = false;
   int RowCount = 0;  // rows the last run walked
+  // A run is under way: the events it lets through must not start another one over it.
+  bool Running = false;
 
   // Prepared on first use.
   db::Statement countRows;

@@ -137,6 +137,33 @@ TEST_F(QuantitiesTest, InvalidLevelsStopTheRunBeforeAnythingChanges) {
   EXPECT_TRUE(reporter.status.isEmpty());
 }
 
+// A reporter that tries to start another run from the events the run lets through.
+class ReentrantReporter : public engine::RecordingReporter {
+ public:
+  void processEvents() override {
+    ++calls;
+    if (session) ComputeQuantities(*session, nullptr, -1.0f);
+  }
+  engine::EngineSession* session = nullptr;
+  int calls = 0;
+};
+
+TEST(QuantityRun, EventsDuringARunDoNotStartAnotherOverIt) {
+  testsupport::TempProject project;
+  db::Connection& c = project.create(true);
+  ReentrantReporter reporter;
+  engine::EngineSession session(c, reporter);
+  ASSERT_FALSE(session.LoadDesignProfile());
+  session.setSection(2);
+  reporter.session = &session;
+  std::vector<QuantityRow> rows;
+  ComputeQuantities(session, nullptr, -1.0f,
+                    [&rows](const QuantityRow& row) { rows.push_back(row); });
+  EXPECT_EQ(rows.size(), 151u);
+  EXPECT_EQ(reporter.calls, 151);
+  EXPECT_GT(session.quantityRun().TotalCutVolume, 0.0f);
+}
+
 // The quantity chainages follow Initial before the run: a new survey gets its row.
 TEST_F(QuantitiesTest, RunBringsTheQuantityChainagesInLineFirst) {
   design();
