@@ -17,6 +17,7 @@ std::vector<const Command*> allCommands() {
   for (int i = 0; i < kProjectCommandCount; ++i) all.push_back(&kProjectCommands[i]);
   for (int i = 0; i < kFormulaCommandCount; ++i) all.push_back(&kFormulaCommands[i]);
   for (int i = 0; i < kDesignCommandCount; ++i) all.push_back(&kDesignCommands[i]);
+  for (int i = 0; i < kExportCommandCount; ++i) all.push_back(&kExportCommands[i]);
   for (int i = 0; i < kQuantityCommandCount; ++i) all.push_back(&kQuantityCommands[i]);
   return all;
 }

@@ -71,6 +71,8 @@ extern const Command kFormulaCommands[];
 extern const int kFormulaCommandCount;
 extern const Command kDesignCommands[];
 extern const int kDesignCommandCount;
+extern const Command kExportCommands[];
+extern const int kExportCommandCount;
 extern const Command kQuantityCommands[];
 extern const int kQuantityCommandCount;
 

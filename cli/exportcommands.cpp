@@ -1,0 +1,92 @@
+#include "cli/command.h"
+#include "db/connection.h"
+#include "engine/quantityexport.h"
+#include "engine/session.h"
+
+#include <QDir>
+
+#include <iterator>
+#include <memory>
+
+namespace cli {
+
+namespace {
+
+const QString kSection = QStringLiteral("section");
+const QString kOutput = QStringLiteral("output");
+const QString kExecuted = QStringLiteral("executed");
+
+void exportOptions(QCommandLineParser& parser) {
+  parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The project file."));
+  parser.addOption(
+      {kSection, QStringLiteral("The section to export (its ID)."), QStringLiteral("ID")});
+  parser.addOption({kOutput,
+                    QStringLiteral("The file to write: a workbook (.xlsx) or comma-separated "
+                                   "text (.csv)."),
+                    QStringLiteral("OUT")});
+  parser.addOption({kExecuted, QStringLiteral("Compute the areas against the executed levels.")});
+}
+
+// Exit codes: 0 written, 1 invalid levels stopped the run (nothing written), 2 usage, 3 the
+// project cannot be opened or the output cannot be written.
+int exportQuantity(Context& context) {
+  const QStringList files = context.parser.positionalArguments();
+  if (files.size() != 1) return usageError(context, QStringLiteral("give exactly one FILE."));
+  if (!context.parser.isSet(kSection))
+    return usageError(context, QStringLiteral("give the section with --section ID."));
+  const auto section = parseKey(context.parser.value(kSection));
+  if (!section || *section <= 0)
+    return usageError(context, QStringLiteral("--section needs a positive whole number, not '") +
+                                   context.parser.value(kSection) + QStringLiteral("'."));
+  if (!context.parser.isSet(kOutput) || context.parser.value(kOutput).isEmpty())
+    return usageError(context, QStringLiteral("give the file to write with --output OUT."));
+  const QString output = context.parser.value(kOutput);
+  const auto format = engine::QuantitySheetFormatOf(output);
+  if (!format)
+    return usageError(context, QStringLiteral("--output must end in .xlsx or .csv, not '") +
+                                   output + QStringLiteral("'."));
+
+  std::unique_ptr<db::Connection> connection = openProjectOrReport(context, files.first());
+  if (!connection) return kCannotOpen;
+  ConsoleReporter reporter(context.err);
+  engine::EngineSession session(*connection, reporter);
+  try {
+    if (!engine::SectionExists(session, *section))
+      return usageError(context, QStringLiteral("the project has no section ") +
+                                     QString::number(*section) + QLatin1Char('.'));
+    if (session.LoadDesignProfile()) return kCannotOpen;
+    session.setSection(*section);
+    session.setUseExecutedLevel(context.parser.isSet(kExecuted));
+
+    const engine::QuantityExportResult result =
+        engine::ExportQuantitySheet(session, output, *format);
+    switch (result.status) {
+      case engine::QuantityExportResult::Status::StoppedByInvalidLevels:
+        context.err << "Nothing was exported: section " << *section
+                    << " has levels that are missing or out of range; the lines above name "
+                       "them.\n";
+        return kDataProblems;
+      case engine::QuantityExportResult::Status::CannotWrite:
+        context.err << result.message << "\n";
+        return kCannotOpen;
+      case engine::QuantityExportResult::Status::Written:
+        break;
+    }
+    context.out << "Wrote the quantity sheet of section " << *section << " (" << result.rowCount
+                << " chainages) to " << QDir::toNativeSeparators(output) << ".\n";
+    return kOk;
+  } catch (const db::Error& e) {
+    context.err << connection->path() << ": " << e.message() << "\n";
+    return kCannotOpen;
+  }
+}
+
+}  // namespace
+
+const Command kExportCommands[] = {
+    {"export", "Export the quantity summary of a section as .xlsx or .csv.", exportOptions,
+     exportQuantity},
+};
+const int kExportCommandCount = static_cast<int>(std::size(kExportCommands));
+
+}  // namespace cli
