@@ -6,7 +6,9 @@
 
 #include <QClipboard>
 #include <QGuiApplication>
+#include <QHeaderView>
 #include <QLineEdit>
+#include <QMouseEvent>
 
 #include <algorithm>
 #include <optional>
@@ -77,6 +79,8 @@ SheetEditing::SheetEditing(GridControl& grid, Hooks hooks, QObject* parent)
   connect(&m_grid, &GridControl::keyDown, this, &SheetEditing::onKeyDown);
   connect(&m_grid, &GridControl::keyPress, this, &SheetEditing::onKeyPress);
   connect(&m_grid, &GridControl::doubleClicked, this, &SheetEditing::onDoubleClick);
+  m_grid.columnHeader()->viewport()->installEventFilter(this);
+  m_grid.rowHeader()->viewport()->installEventFilter(this);
 }
 
 SheetEditing::~SheetEditing() = default;
@@ -194,6 +198,13 @@ void SheetEditing::onCellClicked(int row, int col) {
     return;
   }
   selectByClick(row, col, shiftHeld());
+}
+
+bool SheetEditing::eventFilter(QObject* watched, QEvent* event) {
+  // The headers report no mouse-down of their own; their clicks need the Shift key too.
+  if (event->type() == QEvent::MouseButtonPress)
+    m_modifiers = static_cast<QMouseEvent*>(event)->modifiers();
+  return QObject::eventFilter(watched, event);
 }
 
 void SheetEditing::onCurrentCellChanged(int row, int col) {

@@ -96,6 +96,9 @@ class SheetEditing : public QObject {
   const UndoRecord& undoRecord() const { return m_undo; }
   const UndoRecord& previousUndoRecord() const { return m_previousUndo; }
 
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
  private:
   struct Ordered {
     int row0, row1, col0, col1;

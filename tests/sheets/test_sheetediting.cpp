@@ -93,6 +93,8 @@ class TestSheetEditing : public QObject {
   void shiftArrowsExtendTheHighlightedRange();
   void plainKeyRemovesTheHighlight();
   void homeEndMoveAlongTheRowAndWithCtrlToTheCorners();
+  void pageKeysTurnTheVisibleRowsOver();
+  void shiftClickOnColumnHeaderExtendsToTheLastRow();
   void f2OpensCaretModeWhereLeftAndRightStayInTheText();
   void transformRewritesTheRange_data();
   void transformRewritesTheRange();
@@ -360,6 +362,37 @@ void TestSheetEditing::homeEndMoveAlongTheRowAndWithCtrlToTheCorners() {
   QCOMPARE(g.grid.Col(), 0);
 }
 
+void TestSheetEditing::pageKeysTurnTheVisibleRowsOver() {
+  EditedGrid g(200, 2);
+  g.grid.SetCurrentCell(0, 0);
+  QVERIFY(g.key(Qt::Key_PageUp));  // already at the top
+  QCOMPARE(g.grid.TopRow(), 0);
+  const int bottom = g.grid.BottomRow();
+  QVERIFY(bottom > 0 && bottom < 199);
+  QVERIFY(g.key(Qt::Key_PageDown));
+  QCOMPARE(g.grid.TopRow(), bottom);
+  const int top = g.grid.TopRow();
+  QVERIFY(g.key(Qt::Key_PageUp));
+  QCOMPARE(g.grid.BottomRow(), top);
+  QCOMPARE(g.grid.TopRow(), 0);
+  QVERIFY(!g.key(Qt::Key_PageDown, Qt::ControlModifier));  // left to the grid
+}
+
+void TestSheetEditing::shiftClickOnColumnHeaderExtendsToTheLastRow() {
+  EditedGrid g(4, 4);
+  g.grid.SetCurrentCell(1, 1);
+  QTest::mouseClick(g.grid.cellArea(), Qt::LeftButton, Qt::NoModifier,
+                    g.grid.cellRect(1, 1).center());
+  QHeaderView* columns = g.grid.columnHeader();
+  const QPoint inColumn2(columns->sectionViewportPosition(2) + columns->sectionSize(2) / 2,
+                         columns->height() / 2);
+  QTest::mouseClick(columns->viewport(), Qt::LeftButton, Qt::ShiftModifier, inColumn2);
+  QVERIFY(g.editing->rangeSelected());
+  QCOMPARE(int(g.editing->selection().lastRow), 3);
+  QCOMPARE(int(g.editing->selection().lastCol), 2);
+  QCOMPARE(g.grid.CellBackColor(3, 2), sheets::RGB(0, 128, 192));
+}
+
 void TestSheetEditing::f2OpensCaretModeWhereLeftAndRightStayInTheText() {
   EditedGrid g(2, 2);
   g.grid.Text(0, 1, QStringLiteral("abc"));
@@ -496,7 +529,8 @@ void TestSheetEditing::dragHighlightsTheRectangle() {
 void TestSheetEditing::rowHeaderClickSelectsTheWholeRow() {
   EditedGrid g(3, 3);
   QHeaderView* rows = g.grid.rowHeader();
-  const QPoint inRow1(rows->width() / 2, rows->sectionViewportPosition(1) + 2);
+  const QPoint inRow1(rows->width() / 2,
+                      rows->sectionViewportPosition(1) + rows->sectionSize(1) / 2);
   QTest::mouseClick(rows->viewport(), Qt::LeftButton, Qt::NoModifier, inRow1);
   QVERIFY(!g.editing->rangeSelected());
   g.editing->copy();
