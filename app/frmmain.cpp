@@ -12,6 +12,7 @@
 #include "db/connection.h"
 #include "db/schema.h"
 #include "engine/initialorder.h"
+#include "engine/quantityexport.h"
 #include "engine/session.h"
 #include "sheets/dlgsearchwindow.h"
 #include "sheets/frmdatagrid.h"
@@ -20,10 +21,14 @@
 #include "sheets/modgridstyles.h"
 #include "sheets/printable.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QDate>
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
 #include <QInputDialog>
 #include <QLabel>
 #include <QLocale>
@@ -467,6 +472,8 @@ void frmMain::setMessageFunction(sheets::MessageFunction message) {
 
 void frmMain::setInputFunction(InputFunction input) { m_input = std::move(input); }
 
+void frmMain::setSaveFileFunction(SaveFileFunction saveFile) { m_saveFile = std::move(saveFile); }
+
 void frmMain::message(const QString& text, sheets::MessageIcon icon) {
   m_context.ask(this, text, kTitle, sheets::MessageButtons::Ok, icon);
 }
@@ -487,12 +494,20 @@ QString frmMain::input(const QString& title, const QString& prompt, const QStrin
 // ---- File
 
 void frmMain::fileOpen() {
-  // The children stay bound to the project they were opened on; what they hold unsaved is
-  // written before that project is closed.
-  for (QMdiSubWindow* child : m_mdiArea->subWindowList()) {
-    if (auto* sheet = qobject_cast<sheets::frmDataGrid*>(child->widget())) sheet->SaveBeforeAdd();
-  }
-  switch (OpenDatabase(m_state, this, false)) {
+  // The children are bound to the project they were opened on, so they close with it: what
+  // they hold unsaved is written first, while that project is still open.
+  const auto closeChildren = [this] {
+    closeFilterWindow();
+    for (QMdiSubWindow* child : m_mdiArea->subWindowList()) {
+      if (auto* sheet = qobject_cast<sheets::frmDataGrid*>(child->widget())) sheet->SaveBeforeAdd();
+    }
+    m_mdiArea->closeAllSubWindows();
+    // A sheet whose rows could not be written would stay behind on a closed connection.
+    for (QMdiSubWindow* child : m_mdiArea->subWindowList()) {
+      if (child->isVisible()) delete child;
+    }
+  };
+  switch (OpenDatabase(m_state, this, false, closeChildren)) {
     case OpenResult::Cancelled:
       return;
     case OpenResult::Refused:
@@ -502,10 +517,6 @@ void frmMain::fileOpen() {
     case OpenResult::Opened:
       break;
   }
-  // A window left open on the closed project would read and write through a connection that
-  // no longer exists, so the children close with it.
-  closeFilterWindow();
-  m_mdiArea->closeAllSubWindows();
   m_state.lngPackageID = 0;
   m_state.lngSectionID = 0;
   m_state.strPackageName.clear();
@@ -728,7 +739,58 @@ void frmMain::outputViewQuantity() {
   }
 }
 
-void frmMain::outputExportQuantity() {}
+void frmMain::outputExportQuantity() {
+  if (!m_state.engine || m_state.lngSectionID < 1) return;
+  const QString folder = m_state.strDatabasePath.isEmpty()
+                             ? QDir::homePath()
+                             : QFileInfo(m_state.strDatabasePath).absolutePath();
+  QString name = m_state.strSectionDescription.trimmed();
+  name.replace(QRegularExpression(QStringLiteral("[\\\\/:*?\"<>|]")), QStringLiteral("_"));
+  if (name.isEmpty()) name = QStringLiteral("Section ") + QString::number(m_state.lngSectionID);
+  const QString suggested = QDir(folder).filePath(name + QStringLiteral(" quantities.xlsx"));
+  const QString caption = QStringLiteral("Export Quantity Sheet");
+  const QString filter = QStringLiteral("Excel workbook (*.xlsx);;Comma-separated values (*.csv)");
+  const QString path = m_saveFile ? m_saveFile(this, caption, suggested, filter)
+                                  : QFileDialog::getSaveFileName(this, caption, suggested, filter);
+  if (path.isEmpty()) return;
+  exportQuantitySheet(path);
+}
+
+bool frmMain::exportQuantitySheet(const QString& path) {
+  if (!m_state.engine || m_state.lngSectionID < 1) return false;
+  QString target = path;
+  if (QFileInfo(target).suffix().isEmpty()) target += QStringLiteral(".xlsx");
+  const std::optional<engine::QuantitySheetFormat> format = engine::QuantitySheetFormatOf(target);
+  if (!format) {
+    message(QStringLiteral("The quantity sheet can be written as a workbook (.xlsx) or as "
+                           "comma-separated values (.csv); ") +
+                QDir::toNativeSeparators(target) + QStringLiteral(" is neither."),
+            sheets::MessageIcon::Warning);
+    return false;
+  }
+  QApplication::setOverrideCursor(Qt::WaitCursor);
+  engine::QuantityExportResult result;
+  try {
+    result = engine::ExportQuantitySheet(*m_state.engine, target, *format);
+  } catch (const db::Error& error) {
+    QApplication::restoreOverrideCursor();
+    m_state.engine->reporter().progressEnd();
+    message(QStringLiteral("The quantity sheet could not be exported: ") + error.message(),
+            sheets::MessageIcon::Critical);
+    return false;
+  }
+  QApplication::restoreOverrideCursor();
+  switch (result.status) {
+    case engine::QuantityExportResult::Status::Written:
+      return true;
+    case engine::QuantityExportResult::Status::StoppedByInvalidLevels:
+      return false;
+    case engine::QuantityExportResult::Status::CannotWrite:
+      message(result.message, sheets::MessageIcon::Critical);
+      return false;
+  }
+  return false;
+}
 
 // ---- Tools and Help
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/helpwindow.h"
+#include "sheets/dlgsearchwindow.h"
 #include "sheets/sheetcontext.h"
 
 #include <QMainWindow>
@@ -22,7 +24,6 @@ class QPrinter;
 class QToolBar;
 
 namespace sheets {
-class dlgSearchWindow;
 class frmDataGrid;
 class frmReport;
 }  // namespace sheets
@@ -30,7 +31,6 @@ class frmReport;
 namespace app {
 
 struct AppState;
-class HelpWindow;
 
 // The program's multiple-document frame: menus, tool bars and status bar, the user's current
 // package and section, and the routing of every command to the active child window.
@@ -41,6 +41,11 @@ class frmMain : public QMainWindow, public sheets::MainWindowLink {
   // Asks for a line of text (an input box); returns the empty text when the user cancels.
   using InputFunction = std::function<QString(QWidget* parent, const QString& title,
                                               const QString& prompt, const QString& defaultText)>;
+
+  // Asks for the name of a file to write; returns the empty text when the user cancels.
+  using SaveFileFunction =
+      std::function<QString(QWidget* parent, const QString& caption, const QString& suggestedPath,
+                            const QString& filter)>;
 
   explicit frmMain(AppState& state, QWidget* parent = nullptr);
   ~frmMain() override;
@@ -76,6 +81,7 @@ class frmMain : public QMainWindow, public sheets::MainWindowLink {
   // and reports opened from here.
   void setMessageFunction(sheets::MessageFunction message);
   void setInputFunction(InputFunction input);
+  void setSaveFileFunction(SaveFileFunction saveFile);
 
   // Rebuilds the list of open children at the foot of the Window menu.
   void updateWindowMenu();
@@ -104,6 +110,11 @@ class frmMain : public QMainWindow, public sheets::MainWindowLink {
   void dataOutlets();
   void outputViewQuantity();
   void outputExportQuantity();
+  // Writes the quantity sheet of the current section to path, as a workbook or, for a name
+  // ending in ".csv", as comma-separated text; a name without an extension gets ".xlsx". True
+  // when the file was written; otherwise the user has been told why (invalid levels go to the
+  // error list).
+  bool exportQuantitySheet(const QString& path);
   void toolsOptions();
   void helpContents();
   void helpAbout();
@@ -147,6 +158,7 @@ class frmMain : public QMainWindow, public sheets::MainWindowLink {
   AppState& m_state;
   sheets::SheetContext m_context;
   InputFunction m_input;
+  SaveFileFunction m_saveFile;
   QMdiArea* m_mdiArea = nullptr;
   std::array<QLabel*, 4> m_panels{};
   std::map<QString, QAction*> m_actions;
