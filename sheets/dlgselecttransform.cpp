@@ -66,8 +66,6 @@ dlgSelectTransform::dlgSelectTransform(QWidget* parent)
   outer->addLayout(body);
   setStyleSheet(QStringLiteral("QDialog#dlgSelectTransform { border: 1px solid gray; }"));
 
-  connect(m_cmbTransformation, &QComboBox::activated, this,
-          [this] { m_okButton->setEnabled(true); });
   connect(m_cmbTransformation, &QComboBox::currentIndexChanged, this,
           [this](int index) { m_okButton->setEnabled(index >= 0); });
   connect(m_okButton, &QPushButton::clicked, this, &dlgSelectTransform::onOk);
