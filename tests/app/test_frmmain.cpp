@@ -21,6 +21,7 @@
 #include <QMdiSubWindow>
 #include <QMenu>
 #include <QScrollBar>
+#include <QSettings>
 #include <QStandardPaths>
 #include <QTest>
 #include <QTextBrowser>
@@ -130,6 +131,8 @@ class TestFrmMain : public QObject {
 
   void exportWritesTheQuantitySheetOfTheCurrentSection();
   void exportToAnUnknownKindOfFileSaysWhichKindsThereAre();
+
+  void closingWritesTheWindowPlacement();
 
   void helpShowsTheManualsContentsPage();
   void helpWithoutTheManualSaysWhy();
@@ -672,6 +675,20 @@ void TestFrmMain::exportToAnUnknownKindOfFileSaysWhichKindsThereAre() {
   QCOMPARE(desk.messages.size(), 1);
   QVERIFY(desk.messages[0].text.contains(QStringLiteral(".csv")));
   QVERIFY(!QFileInfo::exists(desk.project.dir().filePath(QStringLiteral("q.txt"))));
+}
+
+void TestFrmMain::closingWritesTheWindowPlacement() {
+  QSettings().clear();
+  Desk desk;
+  desk.state.settings.MainWidth = 1;
+  desk.window->showChild(new QLabel(QStringLiteral("a viewer")));
+  QVERIFY(desk.window->close());
+  QVERIFY(desk.window->mdiArea()->subWindowList().isEmpty() ||
+          !desk.window->mdiArea()->subWindowList().first()->isVisible());
+  QVERIFY(desk.state.settings.MainWidth > 1);
+  QSettings store;
+  QVERIFY(store.contains(QStringLiteral("Settings/MainWidth")));
+  QVERIFY(store.contains(QStringLiteral("Settings/MetersPerPage")));
 }
 
 void TestFrmMain::helpShowsTheManualsContentsPage() {
