@@ -112,9 +112,9 @@ frmMain::frmMain(AppState& state, QWidget* parent) : QMainWindow(parent), m_stat
 }
 
 frmMain::~frmMain() {
-  // The children talk to this window through the link while they close.
+  // The children reach this window through their link while they go, so they go first, while
+  // the menus and tool bars they switch still exist.
   closeFilterWindow();
-  m_context.link = nullptr;
   for (QMdiSubWindow* child : m_mdiArea->subWindowList()) delete child;
 }
 
