@@ -37,9 +37,9 @@ TEST_F(DesignCommandsTest, DesignLevelBetweenStoredLevelsIsInterpolated) {
                          QStringLiteral("1"), QStringLiteral("--chainage"), QStringLiteral("0.25"),
                          QStringLiteral("--json")});
   ASSERT_EQ(r.code, 0) << r.err.toStdString();
-  // 251.000 at km 0 and 250.900 at km 0.5; numbers are written as the singles' shortest text.
+  // 151.000 at km 0 and 150.900 at km 0.5; numbers are written as the singles' shortest text.
   EXPECT_EQ(r.out.trimmed(),
-            QStringLiteral(R"({"chainage":0.25,"errors":[],"interpolated":true,"level":250.95})"));
+            QStringLiteral(R"({"chainage":0.25,"errors":[],"interpolated":true,"level":150.95})"));
 }
 
 TEST_F(DesignCommandsTest, DesignLevelBeforeTheFirstLevelIsADataProblem) {
@@ -66,9 +66,9 @@ TEST_F(DesignCommandsTest, DesignSectionOfTheEarthenCanal) {
                          QStringLiteral("1"), QStringLiteral("--chainage"), QStringLiteral("0"),
                          QStringLiteral("--json")});
   ASSERT_EQ(r.code, 0) << r.err.toStdString();
-  // Bed 6 wide at 251, inner slopes 1.5 over FSD 2 + freeboard 0.6, banks 4 wide.
-  const QString points = QStringLiteral("[[0,251],[3,251],[6.9,253.6],[10.9,253.6]]");
-  EXPECT_EQ(r.out.trimmed(), QStringLiteral(R"({"centre_level":251,"chainage":0,"errors":[],)") +
+  // Bed 6 wide at 151, inner slopes 1.5 over FSD 2 + freeboard 0.6, banks 4 wide.
+  const QString points = QStringLiteral("[[0,151],[3,151],[6.9,153.6],[10.9,153.6]]");
+  EXPECT_EQ(r.out.trimmed(), QStringLiteral(R"({"centre_level":151,"chainage":0,"errors":[],)") +
                                  QStringLiteral(R"("left":)") + points +
                                  QStringLiteral(R"(,"right":)") + points + QLatin1Char('}'));
 }
