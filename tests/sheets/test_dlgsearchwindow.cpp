@@ -1,4 +1,4 @@
-#include "tests/sheets/editingtests.h"
+#include "tests/qtestmain.h"
 
 #include "sheets/dlgsearchwindow.h"
 
@@ -179,9 +179,6 @@ void TestFilterBuilder::closingTellsTheMainWindow() {
   QVERIFY(!b.window.isVisible());
 }
 
-int runFilterBuilderTests(int argc, char** argv) {
-  TestFilterBuilder test;
-  return QTest::qExec(&test, argc, argv);
-}
+DELVANE_QTEST(TestFilterBuilder)
 
 #include "test_dlgsearchwindow.moc"

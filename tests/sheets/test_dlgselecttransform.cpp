@@ -1,4 +1,4 @@
-#include "tests/sheets/editingtests.h"
+#include "tests/qtestmain.h"
 
 #include "sheets/cellnumbers.h"
 #include "sheets/dlgselecttransform.h"
@@ -118,9 +118,6 @@ void TestTransformDialog::generalTextKeepsFifteenDigits() {
   QCOMPARE(sheets::generalText15(value), text);
 }
 
-int runTransformDialogTests(int argc, char** argv) {
-  TestTransformDialog test;
-  return QTest::qExec(&test, argc, argv);
-}
+DELVANE_QTEST(TestTransformDialog)
 
 #include "test_dlgselecttransform.moc"

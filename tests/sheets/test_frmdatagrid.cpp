@@ -1,4 +1,4 @@
-#include "tests/sheets/sheetstests.h"
+#include "tests/qtestmain.h"
 
 #include "db/resultset.h"
 #include "sheets/frmdatagrid.h"
@@ -544,9 +544,6 @@ class TestFrmDataGrid : public QObject {
   }
 };
 
-int runFrmDataGridTests(int argc, char** argv) {
-  TestFrmDataGrid test;
-  return QTest::qExec(&test, argc, argv);
-}
+DELVANE_QTEST(TestFrmDataGrid)
 
 #include "test_frmdatagrid.moc"

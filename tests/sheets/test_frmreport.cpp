@@ -1,4 +1,4 @@
-#include "tests/sheets/sheetstests.h"
+#include "tests/qtestmain.h"
 
 #include "engine/quantities.h"
 #include "engine/reporter.h"
@@ -188,9 +188,6 @@ class TestFrmReport : public QObject {
   }
 };
 
-int runFrmReportTests(int argc, char** argv) {
-  TestFrmReport test;
-  return QTest::qExec(&test, argc, argv);
-}
+DELVANE_QTEST(TestFrmReport)
 
 #include "test_frmreport.moc"

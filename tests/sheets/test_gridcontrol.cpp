@@ -1,3 +1,4 @@
+#include "tests/qtestmain.h"
 #include "db/connection.h"
 #include "db/resultset.h"
 #include "sheets/gridcontrol.h"
@@ -503,5 +504,5 @@ class TestGridControl : public QObject {
   }
 };
 
-QTEST_MAIN(TestGridControl)
+DELVANE_QTEST(TestGridControl)
 #include "test_gridcontrol.moc"

@@ -1,4 +1,4 @@
-#include "tests/sheets/sheetstests.h"
+#include "tests/qtestmain.h"
 
 #include "db/resultset.h"
 #include "sheets/frmdatagrid.h"
@@ -209,9 +209,6 @@ class TestModGridStyles : public QObject {
   }
 };
 
-int runModGridStylesTests(int argc, char** argv) {
-  TestModGridStyles test;
-  return QTest::qExec(&test, argc, argv);
-}
+DELVANE_QTEST(TestModGridStyles)
 
 #include "test_modgridstyles.moc"

@@ -1,4 +1,4 @@
-#include "tests/sheets/editingtests.h"
+#include "tests/qtestmain.h"
 
 #include "sheets/gridcontrol.h"
 #include "sheets/sheetediting.h"
@@ -569,9 +569,6 @@ void TestSheetEditing::doubleClickOnRowHeaderAsksTheMainWindow() {
   QCOMPARE(g.grid.CellState(1, 1), int(GridControl::kCellEditing));
 }
 
-int runSheetEditingTests(int argc, char** argv) {
-  TestSheetEditing test;
-  return QTest::qExec(&test, argc, argv);
-}
+DELVANE_QTEST(TestSheetEditing)
 
 #include "test_sheetediting.moc"

@@ -1,3 +1,4 @@
+#include "tests/qtestmain.h"
 #include "sheets/captiondrag.h"
 #include "sheets/mousewheel.h"
 
@@ -201,5 +202,5 @@ void TestSheetsShell::draggingCaptionMovesDialogAndKeepsAnchor() {
   QCOMPARE(dialog.pos(), start + QPoint(2 * large, -large));
 }
 
-QTEST_MAIN(TestSheetsShell)
+DELVANE_QTEST(TestSheetsShell)
 #include "test_sheets_shell.moc"
