@@ -12,6 +12,7 @@
 #include <QStyledItemDelegate>
 #include <QTableView>
 #include <QVBoxLayout>
+#include <QWheelEvent>
 
 #include <algorithm>
 
@@ -256,6 +257,16 @@ class GridView : public QTableView {
   }
 
   void keyboardSearch(const QString&) override {}
+
+  // The window holding the grid scrolls it by its own wheel rule (two rows a notch); the view
+  // scrolling as well would double every step. Sideways wheels still scroll the columns.
+  void wheelEvent(QWheelEvent* event) override {
+    if (event->angleDelta().x() != 0 && event->angleDelta().y() == 0) {
+      QTableView::wheelEvent(event);
+      return;
+    }
+    event->accept();
+  }
 
   void mousePressEvent(QMouseEvent* event) override {
     const QModelIndex index = indexAt(event->position().toPoint());

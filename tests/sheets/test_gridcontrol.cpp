@@ -1,15 +1,17 @@
-#include "tests/qtestmain.h"
 #include "db/connection.h"
 #include "db/resultset.h"
 #include "sheets/gridcontrol.h"
+#include "tests/qtestmain.h"
 #include "tests/testsupport.h"
 
+#include <QApplication>
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTableView>
 #include <QTest>
+#include <QWheelEvent>
 
 #include <memory>
 
@@ -317,6 +319,14 @@ class TestGridControl : public QObject {
     grid->BottomRow(199);
     QCOMPARE(grid->BottomRow(), 199);
     grid->TopRow(0);
+    QCOMPARE(grid->TopRow(), 0);
+  }
+
+  void wheelLeavesScrollingToTheWindow() {
+    auto grid = reportGrid(3, 200, QSize(300, 250));
+    QWheelEvent wheel(QPointF(20, 20), grid->cellArea()->mapToGlobal(QPointF(20, 20)), QPoint(),
+                      QPoint(0, -120), Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(grid->cellArea(), &wheel);
     QCOMPARE(grid->TopRow(), 0);
   }
 
