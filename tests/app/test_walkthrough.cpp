@@ -24,6 +24,7 @@
 #include <QFileInfo>
 #include <QHeaderView>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QPushButton>
@@ -113,6 +114,7 @@ struct Walk {
     item->trigger();
     settle();
   }
+  QAction* action(const char* name) const { return window->action(QLatin1String(name)); }
   sheets::frmDataGrid* sheet() const { return window->activeDataSheet(); }
   QString childTitle() const {
     QMdiSubWindow* child = window->activeChild();
@@ -197,11 +199,14 @@ class TestWalkthrough : public QObject {
     QStandardPaths::setTestModeEnabled(true);
     g_previousHandler = qInstallMessageHandler(recordWarnings);
   }
+  void cleanupTestCase() { qInstallMessageHandler(g_previousHandler); }
   void init() { g_warnings.clear(); }
   void cleanup() { QVERIFY2(g_warnings.isEmpty(), qPrintable(g_warnings.join(QLatin1Char('\n')))); }
 
   void walksFromThePackageThroughEverySheetToTheReports();
   void editsTheInitialLevelsAsAUserDoes();
+  void keyboardCommandsReachTheActiveSheet();
+  void theOtherCommandsOfTheWalkWork();
 };
 
 // Data > Package, drill down to a section, open, edit, add to and delete from every sheet, view
@@ -494,6 +499,178 @@ void TestWalkthrough::editsTheInitialLevelsAsAUserDoes() {
   w.trigger("mnuViewDetail");
   QVERIFY(!w.window->findChild<sheets::dlgSearchWindow*>(QStringLiteral("dlgSearchWindow")) ||
           !filter->isVisible());
+  QVERIFY2(w.messages.isEmpty(), qPrintable(messagesText(w.messages)));
+}
+
+// The same edits through the keys of the menus, with the focus in the grid.
+void TestWalkthrough::keyboardCommandsReachTheActiveSheet() {
+  Walk w;
+  w.state.settings.AutoSave = false;
+  w.state.lngPackageID = 1;
+  w.state.lngSectionID = 1;
+  w.state.engine->setSection(1);
+  w.window->EnableMenus();
+  w.trigger("mnuDataInitial");
+  sheets::frmDataGrid* sheet = w.sheet();
+  QVERIFY(sheet);
+  sheets::GridControl& grid = sheet->grid();
+  w.window->activateWindow();
+  QVERIFY(QTest::qWaitForWindowActive(w.window.get()));
+  QWidget* view = grid.cellArea()->parentWidget();
+  Walk::clickCell(grid, 2, 2);
+  view->setFocus();
+  QCOMPARE(QApplication::focusWidget(), view);
+  const int id2 = Walk::value(*sheet, 2, "ID").toInt();
+  const QString old = grid.Text(2, 2);
+
+  QApplication::clipboard()->setText(QStringLiteral("55.5"));
+  QTest::keyClick(view, Qt::Key_V, Qt::ControlModifier);
+  QCOMPARE(grid.Text(2, 2), QStringLiteral("55.5"));
+  QVERIFY(sheet->isDirty());
+  QTest::keyClick(view, Qt::Key_Z, Qt::ControlModifier);
+  QCOMPARE(grid.Text(2, 2), old);
+  QTest::keyClick(view, Qt::Key_V, Qt::ControlModifier);
+  QTest::keyClick(view, Qt::Key_S, Qt::ControlModifier);
+  QVERIFY(!sheet->isDirty());
+  QCOMPARE(
+      *w.scalar(QStringLiteral("SELECT [Level] FROM Initial WHERE ID=") + QString::number(id2)),
+      55.5);
+
+  // Copy a cell to the clipboard, and clear a range with Delete.
+  Walk::clickCell(grid, 3, 1);
+  QTest::keyClick(view, Qt::Key_C, Qt::ControlModifier);
+  QCOMPARE(QApplication::clipboard()->text(), grid.Text(3, 1));
+  Walk::clickCell(grid, 3, 2, Qt::ShiftModifier);
+  QTest::keyClick(view, Qt::Key_Delete);
+  QCOMPARE(grid.Text(3, 1), QString());
+  QCOMPARE(grid.Text(3, 2), QString());
+  QTest::keyClick(view, Qt::Key_Z, Qt::ControlModifier);
+  QVERIFY(!grid.Text(3, 2).isEmpty());
+
+  // Ctrl+T with a range: the transform dialog; Cancel changes nothing.
+  Walk::clickCell(grid, 4, 2);
+  Walk::clickCell(grid, 5, 2, Qt::ShiftModifier);
+  const QString level4 = grid.Text(4, 2);
+  bool asked = false;
+  whenModalShows([&asked](QWidget* dialog) {
+    asked = true;
+    QTest::mouseClick(dialog->findChild<QPushButton*>(QStringLiteral("CancelButton")),
+                      Qt::LeftButton);
+  });
+  QTest::keyClick(view, Qt::Key_T, Qt::ControlModifier);
+  QVERIFY(asked);
+  QCOMPARE(grid.Text(4, 2), level4);
+  // The offscreen platform gives the activation back to no window once a dialog closes.
+  w.window->activateWindow();
+  QVERIFY(QTest::qWaitForWindowActive(w.window.get()));
+
+  // Ctrl+N and Ctrl+D add and delete.
+  const int before = w.count(QStringLiteral("Initial"), QStringLiteral("SectionID=1"));
+  w.inputs = {QStringLiteral("1"), QStringLiteral("0.25")};
+  QTest::keyClick(view, Qt::Key_N, Qt::ControlModifier);
+  QCOMPARE(w.count(QStringLiteral("Initial"), QStringLiteral("SectionID=1")), before + 1);
+
+  // The Window menu lists the sheet; F1 opens the help.
+  w.window->updateWindowMenu();
+  QTest::keyClick(view, Qt::Key_F1);
+  Walk::settle();
+  QVERIFY(w.window->helpWindow());
+  w.window->helpWindow()->close();
+  Walk::settle();
+
+  // Closing the main window with a changed sheet asks to save it, then saves the settings.
+  Walk::clickCell(grid, 0, 2);
+  Walk::typeAndEnter(grid, QStringLiteral("77"));
+  QVERIFY(sheet->isDirty());
+  const int id0 = Walk::value(*sheet, 0, "ID").toInt();
+  QVERIFY(w.window->close());
+  QCOMPARE(
+      *w.scalar(QStringLiteral("SELECT [Level] FROM Initial WHERE ID=") + QString::number(id0)),
+      77.0);
+  QVERIFY2(w.messages.size() == 1 && w.messages[0].title == QStringLiteral("Save Changes"),
+           qPrintable(messagesText(w.messages)));
+}
+
+// The view, window, executed-level, About and Open commands on the way, with no noise.
+void TestWalkthrough::theOtherCommandsOfTheWalkWork() {
+  Walk w;
+  w.state.lngPackageID = 1;
+  w.state.lngSectionID = 1;
+  w.state.engine->setSection(1);
+  w.window->EnableMenus();
+  w.trigger("mnuDataInitial");
+  sheets::frmDataGrid* sheet = w.sheet();
+  QVERIFY(sheet);
+  sheets::GridControl& grid = sheet->grid();
+  QHeaderView* columns = grid.columnHeader();
+  QTest::mouseClick(columns->viewport(), Qt::LeftButton, {},
+                    QPoint(columns->sectionViewportPosition(1) + 5, columns->height() / 2));
+  QCOMPARE(grid.SelectedColCount(), 1);
+  w.trigger("mnuLockColumn");
+  QVERIFY(!grid.ColEditable(1));
+  w.trigger("mnuLockColumn");
+  QVERIFY(grid.ColEditable(1));
+  w.trigger("mnuViewFreeze");
+  QVERIFY(grid.Frozen());
+  w.trigger("mnuViewFreeze");
+  QVERIFY(!grid.Frozen());
+  const int rows = grid.Rows();
+  w.trigger("mnuViewRefresh");
+  QCOMPARE(grid.Rows(), rows);
+
+  // A filter, then Clear shows every row again.
+  w.trigger("mnuViewDetail");
+  QVERIFY(w.action("mnuViewDetail")->isChecked());
+  auto* filter = w.window->findChild<sheets::dlgSearchWindow*>(QStringLiteral("dlgSearchWindow"));
+  QVERIFY(filter);
+  sheet->FilterData(QStringLiteral("[Chainage] = '0.5'"));
+  QVERIFY(grid.Rows() < rows);
+  QTest::mouseClick(filter->findChild<QPushButton*>(QStringLiteral("cmdClear")), Qt::LeftButton);
+  QCOMPARE(grid.Rows(), rows);
+  w.trigger("mnuViewDetail");
+  QVERIFY(!w.action("mnuViewDetail")->isChecked());
+
+  for (const char* arrange : {"mnuWindowCascade", "mnuWindowTileHorizontal",
+                              "mnuWindowTileVertical", "mnuWindowArrangeIcons"})
+    w.trigger(arrange);
+
+  // With the executed levels (surveyed up to km 1 only, so the error list names the rest): the
+  // area table of a surveyed chainage has its nineteen columns.
+  w.window->chkUseExecutedLevel()->setChecked(true);
+  w.trigger("mnuOutputViewQty");
+  sheets::frmReport* summary = w.window->activeReport();
+  QVERIFY(summary);
+  QVERIFY2(w.messages.isEmpty(), qPrintable(messagesText(w.messages)));
+  Walk::doubleClickRowHeader(summary->scg(), 1);
+  QVERIFY(w.window->activeReport() != summary);
+  QCOMPARE(w.window->activeReport()->scg().Cols(), 19);
+  QVERIFY(w.window->activeReport()->scg().Rows() > 2);
+  w.window->chkUseExecutedLevel()->setChecked(false);
+
+  bool about = false;
+  whenModalShows([&about](QWidget* dialog) {
+    about = dialog->objectName() == QLatin1String("frmSplash");
+    dialog->close();
+  });
+  w.trigger("mnuHelpAbout");
+  QVERIFY(about);
+
+  // File > Open DB... of the demo in the data folder closes the windows of the old project.
+  app::ensureDemoProject(app::dataFolder());
+  whenModalShows([](QWidget* dialog) {
+    auto* files = dialog->findChild<QListWidget*>(QStringLiteral("File1"));
+    const QList<QListWidgetItem*> demo =
+        files->findItems(db::demoProjectFileName(), Qt::MatchExactly);
+    QVERIFY(!demo.isEmpty());
+    files->setCurrentItem(demo.first());
+    QTest::mouseClick(dialog->findChild<QPushButton*>(QStringLiteral("cmdSelect")), Qt::LeftButton);
+  });
+  w.trigger("mnuFileOpen");
+  QVERIFY(w.window->mdiArea()->subWindowList().isEmpty());
+  QCOMPARE(QFileInfo(w.state.strDatabasePath).fileName(), db::demoProjectFileName());
+  QCOMPARE(w.state.lngSectionID, 0);
+  QCOMPARE(w.window->windowTitle(), QStringLiteral("Delvane"));
+  QVERIFY(!w.action("mnuDataInitial")->isEnabled());
   QVERIFY2(w.messages.isEmpty(), qPrintable(messagesText(w.messages)));
 }
 
