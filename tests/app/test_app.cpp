@@ -9,6 +9,7 @@
 #include "app/twips.h"
 #include "db/connection.h"
 #include "db/project.h"
+#include "tests/qtestmain.h"
 
 #include <QFile>
 #include <QLabel>
@@ -631,5 +632,5 @@ void TestApp::splashClosesOnAnyKey() {
   QVERIFY(!splash.isVisible());
 }
 
-QTEST_MAIN(TestApp)
+DELVANE_QTEST(TestApp)
 #include "test_app.moc"

@@ -9,6 +9,7 @@
 #include "engine/session.h"
 #include "sheets/frmdatagrid.h"
 #include "sheets/gridcontrol.h"
+#include "tests/qtestmain.h"
 #include "tests/testsupport.h"
 
 #include <QAction>
@@ -712,5 +713,5 @@ void TestFrmMain::helpWithoutTheManualSaysWhy() {
   QVERIFY(!desk.window->helpWindow());
 }
 
-QTEST_MAIN(TestFrmMain)
+DELVANE_QTEST(TestFrmMain)
 #include "test_frmmain.moc"

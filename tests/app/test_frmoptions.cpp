@@ -1,5 +1,6 @@
 #include "app/frmoptions.h"
 #include "app/settings.h"
+#include "tests/qtestmain.h"
 
 #include <QCheckBox>
 #include <QLabel>
@@ -219,5 +220,5 @@ void TestFrmOptions::tabsShowOneFrameAtATime() {
   QCOMPARE(child<QLabel>(dialog, "wnTitle")->text(), QStringLiteral(" Options"));
 }
 
-QTEST_MAIN(TestFrmOptions)
+DELVANE_QTEST(TestFrmOptions)
 #include "test_frmoptions.moc"

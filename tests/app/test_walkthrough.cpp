@@ -14,6 +14,7 @@
 #include "sheets/gridcontrol.h"
 #include "sheets/mousewheel.h"
 #include "sheets/sheetediting.h"
+#include "tests/qtestmain.h"
 #include "tests/testsupport.h"
 
 #include <QAction>
@@ -674,5 +675,5 @@ void TestWalkthrough::theOtherCommandsOfTheWalkWork() {
   QVERIFY2(w.messages.isEmpty(), qPrintable(messagesText(w.messages)));
 }
 
-QTEST_MAIN(TestWalkthrough)
+DELVANE_QTEST(TestWalkthrough)
 #include "test_walkthrough.moc"
