@@ -1,0 +1,381 @@
+#include "cli/cli.h"
+#include "db/connection.h"
+#include "tests/cli/clirunner.h"
+#include "tests/testsupport.h"
+
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <gtest/gtest.h>
+
+using testsupport::runCli;
+using testsupport::TempProject;
+
+namespace {
+
+enum class Project {
+  None,
+  // The demo: section 1 (km 0 to 4, executed levels up to km 1), section 2 (km 4 to 7).
+  Demo,
+  // Section 1: a 10 m bed at 98 with side slopes 1.5 under flat ground at 100, surveyed at
+  // chainages 0 and 0.1 at offsets -20, -10, 0, 10, 20: 26 m² of cut at each.
+  HandBuilt,
+};
+
+void buildHandBuilt(db::Connection& c) {
+  for (const char* sql :
+       {"DELETE FROM DesignExp",
+        "INSERT INTO DesignExp (DesignID, Serial, LCR, Offset, Value) VALUES (1, 1, 'C', '0', "
+        "'$CL'), (1, 2, 'L', '5', '$CL'), (1, 3, 'R', '5', '$CL')",
+        "INSERT INTO Package (ID, Name) VALUES (1, 'P')",
+        "INSERT INTO Sections (ID, PackageID, Description) VALUES (1, 1, 'S')",
+        "INSERT INTO DesignDetails (SectionID, Chainage, SRS_LEFT, SRS_RIGHT) VALUES (1, 0, 1.5, "
+        "1.5)",
+        "INSERT INTO DesignLevels (SectionID, Chainage, Level) VALUES (1, 0, 98), (1, 1, 98)"})
+    c.exec(QString::fromLatin1(sql));
+  for (const char* chainage : {"0", "0.1"})
+    for (const char* offset : {"-20", "-10", "0", "10", "20"})
+      c.exec(QStringLiteral("INSERT INTO Initial (SectionID, Chainage, Offset, Level) VALUES "
+                            "(1, %1, %2, 100)")
+                 .arg(QLatin1String(chainage), QLatin1String(offset)));
+}
+
+// One command line: FILE stands for the project, DIR/ for its folder. out is the whole output,
+// or a part of it after "~"; err a part of the error output; written a file the command must
+// leave starting with writtenStart, or must not leave when writtenStart is null.
+struct CliCase {
+  const char* name;
+  Project project;
+  const char* setup;  // statements separated by "; "
+  const char* args;
+  int code;
+  const char* out;
+  const char* err = nullptr;
+  const char* written = nullptr;
+  const char* writtenStart = nullptr;
+};
+
+class CliCommandTest : public ::testing::TestWithParam<CliCase> {};
+
+TEST_P(CliCommandTest, ExitsAndPrintsAsExpected) {
+  const CliCase& k = GetParam();
+  TempProject project;
+  if (k.project != Project::None) project.create(k.project == Project::Demo);
+  if (k.project == Project::HandBuilt) buildHandBuilt(project.connection());
+  if (k.setup)
+    for (const QString& sql : QString::fromUtf8(k.setup).split(QStringLiteral("; ")))
+      project.connection().exec(sql);
+  const auto expand = [&project](QString text) {
+    return text.replace(QStringLiteral("FILE"), project.path())
+        .replace(QStringLiteral("DIR/"), project.dir().path() + QLatin1Char('/'));
+  };
+  const QStringList args =
+      expand(QString::fromUtf8(k.args)).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+  const auto r = runCli(args);
+
+  EXPECT_EQ(r.code, k.code) << r.err.toStdString();
+  const QString out = QString::fromUtf8(k.out ? k.out : "");
+  if (out.startsWith(QLatin1Char('~'))) {
+    EXPECT_TRUE(r.out.contains(out.mid(1))) << r.out.toStdString();
+  } else if (k.out) {
+    EXPECT_EQ(r.out.toStdString(), out.toStdString());
+  }
+  if (k.err) {
+    const QString err = QString::fromUtf8(k.err).replace(QStringLiteral("DIR/"),
+                                                         project.dir().path() + QLatin1Char('/'));
+    EXPECT_TRUE(r.err.contains(err)) << r.err.toStdString();
+  }
+  if (k.code == cli::kUsage) {
+    EXPECT_FALSE(r.err.isEmpty());
+  }
+  if (k.written) {
+    QFile file(expand(QString::fromUtf8(k.written)));
+    if (!k.writtenStart) {
+      EXPECT_FALSE(file.exists()) << k.written;
+    } else {
+      ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << k.written;
+      EXPECT_TRUE(file.readAll().startsWith(k.writtenStart)) << k.written;
+    }
+  }
+}
+
+// The areas table of the hand-built chainage 0: 20 and 10 lie beyond the catch point at 8.
+#define ZEROS17 ",0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0]"
+#define HAND_ROWS                                                                            \
+  "[[20,100" ZEROS17 ",[10,100" ZEROS17                                                      \
+  ",[8,100,100,0,0,0,1,0,3,3,0,0,0,0,0,0,0,0,0]"                                             \
+  ",[5,100,98,0,2,0,2,0,5,10,0,0,0,0,0,0,0,0,0],[0,100,98,0,2,0,0,0,0,0,0,0,0,0,0,0,0,0,0]"  \
+  ",[5,100,98,0,2,0,2,0,5,10,0,0,0,0,0,0,0,0,0],[8,100,100,0,0,0,1,0,3,3,0,0,0,0,0,0,0,0,0]" \
+  ",[10,100" ZEROS17 ",[20,100" ZEROS17 "]"
+#define CANAL_POINTS "[[0,151],[3,151],[6.9,153.6],[10.9,153.6]]"
+#define BAD_INITIAL \
+  "Null, Negative, Zero Values or Values not in acceptable range in Initial Levels."
+
+INSTANTIATE_TEST_SUITE_P(
+    Commands, CliCommandTest,
+    ::testing::Values(
+        // Formulas.
+        CliCase{"EvalPrecedence", Project::None, nullptr, "eval 2+3*4", 0, "14\n"},
+        CliCase{"EvalRightGrouping", Project::None, nullptr, "eval 10-2-3", 0, "11\n"},
+        CliCase{"EvalVariableAnyCase", Project::None, nullptr, "eval --var CL=251.2 $cl+0.1", 0,
+                "251.3\n"},
+        CliCase{"EvalLongerNameFirst", Project::None, nullptr,
+                "eval --var LP=1 --var LP_Off=5 $LP_Off", 0, "5\n"},
+        CliCase{"EvalLastSettingWins", Project::None, nullptr, "eval --var X=1 --var X=2 $X", 0,
+                "2\n"},
+        CliCase{"EvalAfterDoubleDash", Project::None, nullptr, "eval --var W=-1.5 -- -$W*2", 0,
+                "3\n"},
+        CliCase{"EvalPrintsTheSingle", Project::None, nullptr, "eval 1/3", 0, "0.33333334\n"},
+        CliCase{"EvalUnknownNameIsZero", Project::None, nullptr, "eval 3*$NOSUCH", 0, "0\n"},
+        CliCase{"Substitute", Project::None, nullptr,
+                "substitute --var CL=100 --var FSD=2.5 $CL+$fsd*2", 0, "100+2.5*2\n"},
+        CliCase{"SubstituteKeepsUnknownNames", Project::None, nullptr,
+                "substitute --var X=0.1 $X+$NOSUCH", 0, "0.1+$NOSUCH\n"},
+        CliCase{"SubstituteWithExponent", Project::None, nullptr,
+                "substitute --var BIG=12345678 $BIG", 0, "1.234568E+07\n"},
+        CliCase{"VarWithoutValue", Project::None, nullptr, "eval --var CL $CL", 2, "", "'CL'"},
+        CliCase{"VarNotANumber", Project::None, nullptr, "eval --var CL=abc $CL", 2, "",
+                "'CL=abc'"},
+        CliCase{"VarEmpty", Project::None, nullptr, "eval --var CL= $CL", 2, "", "'CL='"},
+        CliCase{"VarWithoutName", Project::None, nullptr, "eval --var =5 1", 2, "", "'=5'"},
+        CliCase{"VarWithComma", Project::None, nullptr, "substitute --var X=1,5 $X", 2, "",
+                "'X=1,5'"},
+        CliCase{"EvalWithoutFormula", Project::None, nullptr, "eval", 2, "", "exactly one FORMULA"},
+        CliCase{"EvalTwoFormulas", Project::None, nullptr, "eval 1 2", 2, "",
+                "exactly one FORMULA"},
+        // Projects and usage.
+        CliCase{"NoCommand", Project::None, nullptr, "", 2, nullptr, "Usage:"},
+        CliCase{"UnknownCommand", Project::None, nullptr, "frobnicate", 2, nullptr,
+                "unknown command"},
+        CliCase{"SectionsWithoutFile", Project::None, nullptr, "sections", 2, nullptr,
+                "give exactly one FILE"},
+        CliCase{"UnknownOption", Project::None, nullptr, "sections --bogus x", 2, nullptr, "bogus"},
+        CliCase{"MissingFile", Project::None, nullptr, "sections DIR/missing.delvane", 3, nullptr,
+                "does not exist"},
+        CliCase{"Help", Project::None, nullptr, "sections --help", 0, "~FILE"},
+        CliCase{"NewRefusesToOverwrite", Project::HandBuilt, nullptr, "new FILE", 3, nullptr,
+                "already exists"},
+        // Design.
+        // 151.000 at km 0 and 150.900 at km 0.5; numbers are the singles' shortest text.
+        CliCase{"DesignLevelInterpolated", Project::Demo, nullptr,
+                "design-level FILE --section 1 --chainage 0.25 --json", 0,
+                R"({"chainage":0.25,"errors":[],"interpolated":true,"level":150.95})"
+                "\n"},
+        CliCase{"DesignLevelBeforeTheFirst", Project::Demo, nullptr,
+                "design-level FILE --section 2 --chainage 3.5 --json", 1,
+                "~\"errors\":[\"Chainage : 3.5>Insufficient levels in design. Lower Design level "
+                "not found\"]",
+                "Chainage : 3.5>Insufficient levels in design. Lower Design level not found\n"},
+        CliCase{"DesignLevelQuiet", Project::Demo, nullptr,
+                "design-level FILE --section 2 --chainage 3.5 --quiet", 0,
+                "3.5\t0\tinterpolated\n"},
+        // Bed 6 wide at 151, inner slopes 1.5 over FSD 2 + freeboard 0.6, banks 4 wide.
+        CliCase{"DesignSectionOfTheCanalTemplate", Project::Demo, nullptr,
+                "design-section FILE --section 1 --chainage 0 --json", 0,
+                R"({"centre_level":151,"chainage":0,"errors":[],"left":)" CANAL_POINTS
+                R"(,"right":)" CANAL_POINTS "}\n"},
+        CliCase{"ValidateListsBadRows", Project::Demo,
+                "UPDATE Initial SET [Level]=150 WHERE SectionID=1; UPDATE DesignLevels SET "
+                "[Level]=150; UPDATE Initial SET [Level]=NULL WHERE SectionID=1 AND "
+                "Chainage=0.02 AND Offset=0",
+                "validate FILE --section 1 --json", 1,
+                R"({"bad":true,"errors":["Chainage [0.02], Offset [0], Level []: )" BAD_INITIAL
+                "\"]}\n"},
+        CliCase{"ValidateOneChainage", Project::Demo,
+                "UPDATE Initial SET [Level]=150 WHERE SectionID=1; UPDATE DesignLevels SET "
+                "[Level]=150; UPDATE Initial SET [Level]=NULL WHERE SectionID=1 AND "
+                "Chainage=0.02 AND Offset=0",
+                "validate FILE --section 1 --json --chainage 0.04", 0,
+                R"({"bad":false,"errors":[]})"
+                "\n"},
+        // km 0 to 3 every 20 m.
+        CliCase{"SyncChainagesFollowsInitial", Project::Demo,
+                "DELETE FROM Initial WHERE SectionID=1 AND Chainage > 3",
+                "sync-chainages FILE --section 1", 0,
+                "DesignQty of section 1 holds 151 chainages.\n"},
+        CliCase{"DesignLevelWithoutSection", Project::Demo, nullptr,
+                "design-level FILE --chainage 1", 2, ""},
+        CliCase{"DesignLevelWithoutChainage", Project::Demo, nullptr,
+                "design-level FILE --section 1", 2, ""},
+        CliCase{"SectionNotANumber", Project::Demo, nullptr,
+                "design-level FILE --section x --chainage 1", 2, ""},
+        CliCase{"ChainageWithUnit", Project::Demo, nullptr,
+                "design-section FILE --section 1 --chainage 1km", 2, ""},
+        CliCase{"ValidateWithoutSection", Project::Demo, nullptr, "validate FILE", 2, ""},
+        CliCase{"SectionZero", Project::Demo, nullptr, "order-initial FILE --section 0", 2, ""},
+        CliCase{"SyncWithoutFile", Project::None, nullptr, "sync-chainages --section 1", 2, ""},
+        // Areas and quantities. The chainage is rounded to 3 decimals before it is computed.
+        CliCase{"AreasJson", Project::HandBuilt, nullptr,
+                "areas FILE --section 1 --chainage 0.0001 --json", 0,
+                R"({"area_cut":26,"area_fill":0,"chainage":0,"errors":[],"rows":)" HAND_ROWS
+                R"(,"slots":[26,0,0,0,0,0]})"
+                "\n"},
+        CliCase{"AreasText", Project::HandBuilt, nullptr, "areas FILE --section 1 --chainage 0", 0,
+                "Area Calculation for Chainage : 0\n"
+                "Offset\tOGL\tDesign Level\tDepth of Cut\tDepth of Fill\tAvg Depth of Cut\tAvg "
+                "Depth of Fill\tHoriz Distance\tCut Area\tFill Area\n"
+                "20.000\t100.000\t\t\t\t\t\t\t\t\n"
+                "10.000\t100.000\t\t\t\t\t\t\t\t\n"
+                "8.000\t100.000\t100.000\t\t\t1.000\t\t3.000\t3.000\t\n"
+                "5.000\t100.000\t98.000\t2.000\t\t2.000\t\t5.000\t10.000\t\n"
+                "0.000\t100.000\t98.000\t2.000\t\t\t\t\t\t\n"
+                "5.000\t100.000\t98.000\t2.000\t\t2.000\t\t5.000\t10.000\t\n"
+                "8.000\t100.000\t100.000\t\t\t1.000\t\t3.000\t3.000\t\n"
+                "10.000\t100.000\t\t\t\t\t\t\t\t\n"
+                "20.000\t100.000\t\t\t\t\t\t\t\t\n"
+                "\t\t\t\t\t\t\t\t26.000\t0.000\n"},
+        CliCase{
+            "QuantitiesJson", Project::HandBuilt, nullptr, "quantities FILE --section 1 --json", 0,
+            R"({"computed":true,"errors":[],"rows":[)"
+            R"({"chainage":0,"cut_area":26,"cut_volume":null,"fill_area":0,"fill_volume":null},)"
+            R"({"chainage":0.1,"cut_area":26,"cut_volume":2600,"fill_area":0,"fill_volume":0}],)"
+            R"("section":1,"total_cut_volume":2600,"total_fill_volume":0})"
+            "\n"},
+        CliCase{"QuantitiesText", Project::HandBuilt, nullptr, "quantities FILE --section 1", 0,
+                "Chainage\tCut Area\tFill Area\tCut Volume\tFill Volume\n"
+                "0.000\t26.000\t0.000\t\t\n"
+                "0.100\t26.000\t0.000\t2,600.000\t0.000\n"
+                "\t\t\t2,600.00\t0.00\n"
+                "Cutting Volume : 2,600.00 cum\n"
+                "Filling Volume : 0.00 cum\n"},
+        CliCase{"QuantitiesCsv", Project::HandBuilt, nullptr, "quantities FILE --section 1 --csv",
+                0,
+                "Chainage,Cut Area,Fill Area,Cut Volume,Fill Volume\n0,26,0,,\n0.1,26,0,2600,0\n,,,"
+                "2600,0\n"},
+        // (6 + 26) ÷ 2 × 100 m and (1 + 0) ÷ 2 × 100 m: the other chainage keeps its stored areas.
+        CliCase{
+            "QuantitiesOfOneChainage", Project::HandBuilt,
+            "INSERT INTO DesignQty (SectionID, Chainage, AreaCut, AreaFill) VALUES (1, 0, 6, 1)",
+            "quantities FILE --section 1 --chainage 0.1 --json", 0,
+            R"(~"total_cut_volume":1600,"total_fill_volume":50})"},
+        CliCase{"QuantitiesStopAtInvalidLevels", Project::HandBuilt,
+                "UPDATE Initial SET Level=20 WHERE Offset=20", "quantities FILE --section 1 --json",
+                1, R"(~{"computed":false,"errors":["Chainage [0], Offset [20], Level [20]: )",
+                "Chainage [0.1], Offset [20], Level [20]: "},
+        CliCase{"QuantitiesWithoutSection", Project::HandBuilt, nullptr, "quantities FILE", 2, ""},
+        CliCase{"QuantitiesJsonAndCsv", Project::HandBuilt, nullptr,
+                "quantities FILE --section 1 --json --csv", 2, ""},
+        CliCase{"QuantitiesAllAndSection", Project::HandBuilt, nullptr,
+                "quantities FILE --all --section 1", 2, ""},
+        CliCase{"AreasWithoutChainage", Project::HandBuilt, nullptr, "areas FILE --section 1", 2,
+                ""},
+        CliCase{"AreasBadChainage", Project::HandBuilt, nullptr,
+                "areas FILE --section 1 --chainage x", 2, ""},
+        // Export.
+        CliCase{"ExportCsv", Project::HandBuilt, nullptr,
+                "export FILE --section 1 --output DIR/q.csv", 0,
+                "~Wrote the quantity sheet of section 1", nullptr, "DIR/q.csv",
+                "Chainage,Cut Area,Fill Area,Cut Volume,Fill Volume\r\n0,26,0,,\r\n"},
+        CliCase{"ExportWorkbook", Project::Demo, nullptr,
+                "export FILE --section 2 --output DIR/q.xlsx --executed", 0, nullptr, nullptr,
+                "DIR/q.xlsx", "PK\x03\x04"},
+        CliCase{"ExportStopsAtInvalidLevels", Project::HandBuilt,
+                "UPDATE Initial SET Level=300 WHERE ID=1",
+                "export FILE --section 1 --output DIR/q.csv", 1, nullptr, "Nothing was exported",
+                "DIR/q.csv"},
+        CliCase{"ExportToUnknownFormat", Project::HandBuilt, nullptr,
+                "export FILE --section 1 --output DIR/q.txt", 2, "", nullptr, "DIR/q.txt"},
+        CliCase{"ExportWithoutOutput", Project::HandBuilt, nullptr, "export FILE --section 1", 2,
+                ""},
+        CliCase{"ExportWithoutSection", Project::HandBuilt, nullptr,
+                "export FILE --output DIR/q.csv", 2, "", nullptr, "DIR/q.csv"},
+        CliCase{"ExportWithoutFile", Project::HandBuilt, nullptr,
+                "export --section 1 --output DIR/q.csv", 2, ""},
+        CliCase{"ExportSectionNotANumber", Project::HandBuilt, nullptr,
+                "export FILE --section x --output DIR/q.csv", 2, ""},
+        CliCase{"ExportUnknownSection", Project::HandBuilt, nullptr,
+                "export FILE --section 99 --output DIR/q.xlsx", 2, "", nullptr, "DIR/q.xlsx"},
+        CliCase{"ExportOfMissingProject", Project::None, nullptr,
+                "export DIR/none.delvane --section 1 --output DIR/q.csv", 3, nullptr,
+                "none.delvane"},
+        CliCase{"ExportToUnwritableFolder", Project::HandBuilt, nullptr,
+                "export FILE --section 1 --output DIR/nofolder/q.csv", 3, nullptr,
+                "DIR/nofolder/q.csv cannot be written: "}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+TEST(CliNew, CreatesDemoAndListsItsSections) {
+  QTemporaryDir dir;
+  const QString file = dir.filePath(QStringLiteral("demo.delvane"));
+  ASSERT_EQ(runCli({QStringLiteral("new"), file, QStringLiteral("--demo")}).code, 0);
+  const auto listed = runCli({QStringLiteral("sections"), file});
+  EXPECT_EQ(listed.code, 0) << listed.err.toStdString();
+  EXPECT_EQ(listed.out, QStringLiteral("1\tRight Main Canal\t1\tRMC km 0.000 to 4.000\n"
+                                       "1\tRight Main Canal\t2\tRMC km 4.000 to 7.000\n"));
+}
+
+// The whole Initial table as text, in order of entry.
+QString initialTable(db::Connection& c) {
+  db::Statement st =
+      c.prepare(QStringLiteral("SELECT ID, SectionID, Chainage, Offset FROM Initial ORDER BY ID"));
+  QString text;
+  while (st.step())
+    text += QStringList{st.text(0), st.text(1), st.text(2), st.text(3)}.join(QLatin1Char(' ')) +
+            QLatin1Char('\n');
+  return text;
+}
+
+TEST(CliOrderInitial, RestoresRawFieldEntry) {
+  TempProject project;
+  db::Connection& c = project.create(true);
+  const QString ordered = initialTable(c);
+  // Section 2 as typed in the field: the chainage on each cross-section's first reading only,
+  // every offset a positive distance.
+  c.exec(
+      QStringLiteral("UPDATE Initial SET Chainage=NULL WHERE SectionID=2 AND ID NOT IN "
+                     "(SELECT min(ID) FROM Initial WHERE SectionID=2 GROUP BY Chainage)"));
+  c.exec(QStringLiteral("UPDATE Initial SET Offset=-Offset WHERE SectionID=2 AND Offset < 0"));
+  ASSERT_NE(initialTable(c), ordered);
+  const auto r = runCli({QStringLiteral("order-initial"), project.path(),
+                         QStringLiteral("--section"), QStringLiteral("2")});
+  // Exit 1 exactly when the check of section 2 afterwards found bad levels.
+  EXPECT_EQ(r.code, r.err.isEmpty() ? 0 : 1) << r.err.toStdString();
+  EXPECT_EQ(initialTable(c), ordered);
+}
+
+TEST(CliQuantities, AllSectionsGiveEachTotalAndTheGrandTotal) {
+  TempProject project;
+  project.create(true);
+  const auto all = runCli({QStringLiteral("quantities"), project.path(), QStringLiteral("--all"),
+                           QStringLiteral("--json")});
+  ASSERT_EQ(all.code, 0) << all.err.toStdString();
+  const QJsonObject o = QJsonDocument::fromJson(all.out.toUtf8()).object();
+  const QJsonArray sections = o.value(QStringLiteral("sections")).toArray();
+  ASSERT_EQ(sections.size(), 2);
+  double sum = 0.0;
+  for (const QJsonValue& v : sections) {
+    EXPECT_TRUE(v[QStringLiteral("computed")].toBool());
+    EXPECT_GT(v[QStringLiteral("total_cut_volume")].toDouble(), 10000.0);
+    sum += v[QStringLiteral("total_cut_volume")].toDouble();
+  }
+  EXPECT_NEAR(o.value(QStringLiteral("total_cut_volume")).toDouble(), sum, 0.01);
+
+  const auto text = runCli({QStringLiteral("quantities"), project.path(), QStringLiteral("--all")});
+  const QStringList lines = text.out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+  ASSERT_EQ(lines.size(), 3);
+  EXPECT_TRUE(
+      lines[0].startsWith(QLatin1String("Section 1 (RMC km 0.000 to 4.000): Cutting Volume : ")));
+  EXPECT_TRUE(lines[2].startsWith(QLatin1String("Total: Cutting Volume : ")));
+}
+
+// The demo's executed cross-section at km 0.5, as JSON, against its golden file.
+TEST(CliAreas, DemoJsonMatchesItsGoldenFile) {
+  TempProject project;
+  project.create(true);
+  const auto r = runCli({QStringLiteral("areas"), project.path(), QStringLiteral("--section"),
+                         QStringLiteral("1"), QStringLiteral("--chainage"), QStringLiteral("0.5"),
+                         QStringLiteral("--executed"), QStringLiteral("--json")});
+  ASSERT_EQ(r.code, 0) << r.err.toStdString();
+  const QString path = QStringLiteral(DELVANE_TEST_DATA "/areas/demo_areas_s1_km0.5.json");
+  if (qEnvironmentVariableIsSet("DELVANE_UPDATE_GOLDEN")) {
+    QFile out(path);
+    ASSERT_TRUE(out.open(QIODevice::WriteOnly | QIODevice::Text));
+    out.write(r.out.toUtf8());
+  }
+  QFile golden(path);
+  ASSERT_TRUE(golden.open(QIODevice::ReadOnly | QIODevice::Text)) << path.toStdString();
+  EXPECT_EQ(r.out.toStdString(), QString::fromUtf8(golden.readAll()).toStdString());
+}
+
+}  // namespace
