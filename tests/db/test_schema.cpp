@@ -8,16 +8,10 @@ using testsupport::TempProject;
 
 namespace {
 
-TEST(GetNextID, EmptyTableGivesOne) {
+TEST(GetNextID, LargestKeyPlusOneEvenWithGapsBelowAndOneWhenEmpty) {
   TempProject project;
   db::Connection& c = project.create();
-  EXPECT_EQ(db::GetNextID(c, QStringLiteral("Package")), 1);
   EXPECT_EQ(db::GetNextID(c, QStringLiteral("Sections")), 1);
-}
-
-TEST(GetNextID, LargestKeyPlusOneEvenWithGapsBelow) {
-  TempProject project;
-  db::Connection& c = project.create();
   c.exec(QStringLiteral("INSERT INTO Package (ID) VALUES (3), (41), (7)"));
   EXPECT_EQ(db::GetNextID(c, QStringLiteral("Package")), 42);
   EXPECT_EQ(db::AddPackage(c, 2026), 42);
@@ -50,32 +44,25 @@ void fillTwoPackages(db::Connection& c) {
 const char* const kDataTables[] = {"Initial",       "Executed",  "DesignLevels",
                                    "DesignDetails", "DesignQty", "Outlets"};
 
-TEST(OrphanCleanUp, PackageDeleteRemovesItsSectionsAndTheirRows) {
-  TempProject project;
-  db::Connection& c = project.create();
-  fillTwoPackages(c);
-  c.exec(QStringLiteral("DELETE FROM Package WHERE ID=1"));
-  db::DeleteOrphansAfterPackages(c);
-  EXPECT_EQ(rowCount(c, QStringLiteral("Sections")), 1);
-  for (const char* table : kDataTables) {
-    const QString t = QString::fromLatin1(table);
-    EXPECT_EQ(rowCount(c, t, QStringLiteral("SectionID IN (1, 2)")), 0) << table;
-    EXPECT_GT(rowCount(c, t, QStringLiteral("SectionID = 3")), 0) << table;
-  }
-}
-
-TEST(OrphanCleanUp, SectionDeleteLeavesPackageAndSiblings) {
-  TempProject project;
-  db::Connection& c = project.create();
-  fillTwoPackages(c);
-  c.exec(QStringLiteral("DELETE FROM Sections WHERE ID=1"));
-  db::DeleteOrphansAfterSections(c);
-  EXPECT_EQ(rowCount(c, QStringLiteral("Package")), 2);
-  EXPECT_EQ(rowCount(c, QStringLiteral("Sections")), 2);
-  for (const char* table : kDataTables) {
-    const QString t = QString::fromLatin1(table);
-    EXPECT_EQ(rowCount(c, t, QStringLiteral("SectionID = 1")), 0) << table;
-    EXPECT_GT(rowCount(c, t, QStringLiteral("SectionID = 2")), 0) << table;
+// Deleting package 1 takes sections 1 and 2 with it; deleting section 1 leaves package 1 and
+// section 2.
+TEST(OrphanCleanUp, DeletedPackageOrSectionTakesOnlyItsOwnRows) {
+  for (const bool package : {true, false}) {
+    TempProject project;
+    db::Connection& c = project.create();
+    fillTwoPackages(c);
+    c.exec(package ? QStringLiteral("DELETE FROM Package WHERE ID=1")
+                   : QStringLiteral("DELETE FROM Sections WHERE ID=1"));
+    package ? db::DeleteOrphansAfterPackages(c) : db::DeleteOrphansAfterSections(c);
+    EXPECT_EQ(rowCount(c, QStringLiteral("Package")), package ? 1 : 2);
+    EXPECT_EQ(rowCount(c, QStringLiteral("Sections")), package ? 1 : 2);
+    const QString gone =
+        package ? QStringLiteral("SectionID IN (1, 2)") : QStringLiteral("SectionID=1");
+    const QString kept = package ? QStringLiteral("SectionID=3") : QStringLiteral("SectionID=2");
+    for (const char* table : kDataTables) {
+      EXPECT_EQ(rowCount(c, QString::fromLatin1(table), gone), 0) << table << package;
+      EXPECT_GT(rowCount(c, QString::fromLatin1(table), kept), 0) << table << package;
+    }
   }
 }
 
