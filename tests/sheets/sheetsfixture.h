@@ -1,5 +1,7 @@
 #pragma once
 
+#include "sheets/frmdatagrid.h"
+#include "sheets/modgridstyles.h"
 #include "sheets/sheetcontext.h"
 #include "tests/testsupport.h"
 
@@ -8,7 +10,9 @@
 #include <QStringList>
 
 #include <cstdint>
+#include <functional>
 #include <map>
+#include <memory>
 
 // A sheet context over a project in a temporary folder, with message boxes that record what
 // they were asked and answer from a queue instead of blocking, and a main window that records
@@ -74,6 +78,52 @@ class SheetsFixture {
     };
     c.link = withLink ? &mainWindow : nullptr;
     return c;
+  }
+
+  // Section 1 gets that many Initial readings at chainage 0.1 km, offsets 0, 1, 2, ... and
+  // levels 100 + offset; section 2 one reading at level 55 no sheet of section 1 may touch.
+  void writeInitialRows(int rows) {
+    db::Transaction transaction(*m_connection);
+    db::Statement insert = m_connection->prepare(QStringLiteral(
+        "INSERT INTO Initial (Chainage, Offset, Level, SectionID) VALUES (0.1,?,?,1)"));
+    for (int i = 0; i < rows; ++i) {
+      insert.bindMeasure(1, static_cast<float>(i)).bindMeasure(2, 100.0f + i).run();
+      insert.reset();
+    }
+    m_connection->exec(QStringLiteral(
+        "INSERT INTO Initial (Chainage, Offset, Level, SectionID) VALUES (0.1, 0, 55, 2)"));
+    transaction.commit();
+  }
+
+  // The stored value of an SQL expression over the section 1 reading at that offset; -1 when
+  // there is no such row.
+  double initialAt(int offset, const QString& expression = QStringLiteral("Level")) {
+    return m_connection
+        ->scalar(QStringLiteral("SELECT %1 FROM Initial WHERE SectionID=1 AND Offset=%2")
+                     .arg(expression)
+                     .arg(offset))
+        .value_or(-1);
+  }
+
+  // A data sheet of the current section, laid out as the main window opens it: "Package",
+  // "Sections", "DesignDetails", "DesignLevels", "Outlets", or a levels table ("Initial").
+  std::unique_ptr<sheets::frmDataGrid> openSheet(const QString& layout = QStringLiteral("Initial"),
+                                                 bool withLink = false) {
+    namespace styles = sheets::modGridStyles;
+    const std::map<QString, std::function<void(sheets::frmDataGrid&)>> layouts{
+        {QStringLiteral("Package"), styles::PackageStyle},
+        {QStringLiteral("Sections"), styles::SectionsStyle},
+        {QStringLiteral("DesignDetails"), styles::DesignDetailsStyle},
+        {QStringLiteral("DesignLevels"), styles::DesignLevelsStyle},
+        {QStringLiteral("Outlets"), styles::OutletsStyle}};
+    auto sheet = std::make_unique<sheets::frmDataGrid>(context(withLink));
+    sheet->resize(600, 300);
+    auto it = layouts.find(layout);
+    if (it != layouts.end())
+      it->second(*sheet);
+    else
+      styles::LevelsStyle(*sheet, layout);
+    return sheet;
   }
 
   QStringList messageTexts() const {

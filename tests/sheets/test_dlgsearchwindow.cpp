@@ -8,6 +8,8 @@
 #include <QPushButton>
 #include <QTest>
 
+#include <map>
+
 using sheets::dlgSearchWindow;
 
 namespace {
@@ -53,131 +55,83 @@ class TestFilterBuilder : public QObject {
   Q_OBJECT
 
  private slots:
-  void listsTheSheetsColumnsAndTheConditionsInOrder();
-  void buttonsFollowTheEnablingRule_data();
-  void buttonsFollowTheEnablingRule();
-  void andThenDoneBuildsTheExactText();
-  void orJoinsTermsAndEmptyValueGivesTwoQuotes();
-  void termAfterDoneIsAppendedWithoutConnective();
-  void clearForgetsTheFilter();
-  void closingTellsTheMainWindow();
+  void listsTheSheetsColumnsAndTheConditionsInOrder() {
+    Builder b;
+    QVERIFY(b.window.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+    QStringList fields;
+    for (int i = 0; i < b.field->count(); ++i) fields << b.field->itemText(i);
+    QCOMPARE(fields, QStringList({"Chainage", "Offset", "Level"}));
+    QStringList conditions;
+    for (int i = 0; i < b.condition->count(); ++i) conditions << b.condition->itemText(i);
+    QCOMPARE(conditions, QStringList({"=", "<>", "<", ">", "<=", ">=", "LIKE"}));
+    QCOMPARE(b.condition->currentIndex(), -1);
+    QVERIFY(!b.done->isEnabled());
+  }
+
+  void buttonsFollowTheEnablingRule_data() {
+    QTest::addColumn<QStringList>("term");  // field, condition, value
+    QTest::addColumn<bool>("enabled");
+    QTest::newRow("complete term") << QStringList{"Level", "=", "5"} << true;
+    QTest::newRow("empty value with =") << QStringList{"Level", "=", ""} << true;
+    QTest::newRow("no condition") << QStringList{"Level", "", "5"} << false;
+    QTest::newRow("no field") << QStringList{"", ">", "5"} << false;
+    QTest::newRow("LIKE with value") << QStringList{"Level", "LIKE", "5"} << true;
+    QTest::newRow("LIKE with blanks only") << QStringList{"Level", "LIKE", "   "} << false;
+    QTest::newRow("field typed by hand") << QStringList{"Remarks", "<>", "x"} << true;
+  }
+  void buttonsFollowTheEnablingRule() {
+    QFETCH(QStringList, term);
+    QFETCH(bool, enabled);
+    Builder b;
+    b.term(term[0], term[1], term[2]);
+    QCOMPARE(b.done->isEnabled(), enabled);
+    QCOMPARE(b.andButton->isEnabled(), enabled);
+    QCOMPARE(b.orButton->isEnabled(), enabled);
+  }
+
+  // Each step enters a term (field|condition|value) and clicks AND, OR, Done or Clear.
+  void buildsTheFilterText_data() {
+    QTest::addColumn<QStringList>("steps");
+    QTest::addColumn<QStringList>("applied");
+    QTest::newRow("AND and LIKE") << QStringList{"Chainage|>=|100|AND", "Offset|LIKE|5|Done"}
+                                  << QStringList{"[Chainage] >= '100' AND [Offset] LIKE '%5%'"};
+    QTest::newRow("OR and an empty value") << QStringList{"Level|<| 7 |OR", "Name|=||Done"}
+                                           << QStringList{"[Level] < ' 7 ' OR [Name] = ''"};
+    QTest::newRow("a term after Done is appended without connective")
+        << QStringList{"Level|>|1|Done", "Level|<|9|Done"}
+        << QStringList{"[Level] > '1'", "[Level] > '1'[Level] < '9'"};
+    QTest::newRow("Clear forgets the filter")
+        << QStringList{"Level|>|1|Done", "|||Clear", "Offset|=|0|Done"}
+        << QStringList{"[Level] > '1'", "", "[Offset] = '0'"};
+  }
+  void buildsTheFilterText() {
+    QFETCH(QStringList, steps);
+    QFETCH(QStringList, applied);
+    Builder b;
+    for (const QString& step : steps) {
+      const QStringList part = step.split(QLatin1Char('|'));
+      if (part[3] != QLatin1String("Clear")) b.term(part[0], part[1], part[2]);
+      const std::map<QString, QPushButton*> buttons{
+          {"AND", b.andButton}, {"OR", b.orButton}, {"Done", b.done}, {"Clear", b.clear}};
+      buttons.at(part[3])->click();
+      if (part[3] == QLatin1String("AND") || part[3] == QLatin1String("OR")) {
+        QVERIFY(b.window.searchText().endsWith(QLatin1Char(' ') + part[3] + QLatin1Char(' ')));
+        // The inputs are cleared for the next term.
+        QCOMPARE(b.field->currentText() + b.value->text(), QString());
+        QCOMPARE(b.condition->currentIndex(), -1);
+      }
+    }
+    QCOMPARE(b.applied, applied);
+    QCOMPARE(b.window.searchText(), applied.last());
+  }
+
+  void closingTellsTheMainWindow() {
+    Builder b;
+    b.window.close();
+    QCOMPARE(b.closed, 1);
+    QVERIFY(!b.window.isVisible());
+  }
 };
-
-void TestFilterBuilder::listsTheSheetsColumnsAndTheConditionsInOrder() {
-  Builder b;
-  QCOMPARE(b.window.windowTitle(), QStringLiteral("  Filter / Search"));
-  QVERIFY(b.window.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
-  QStringList fields;
-  for (int i = 0; i < b.field->count(); ++i) fields << b.field->itemText(i);
-  QCOMPARE(fields, QStringList({"Chainage", "Offset", "Level"}));
-  QStringList conditions;
-  for (int i = 0; i < b.condition->count(); ++i) conditions << b.condition->itemText(i);
-  QCOMPARE(conditions, QStringList({"=", "<>", "<", ">", "<=", ">=", "LIKE"}));
-  QCOMPARE(b.condition->currentIndex(), -1);
-  QVERIFY(!b.andButton->isEnabled());
-  QVERIFY(!b.orButton->isEnabled());
-  QVERIFY(!b.done->isEnabled());
-  QCOMPARE(b.andButton->text(), QStringLiteral("&AND"));
-  QCOMPARE(b.orButton->text(), QStringLiteral("&OR"));
-  QCOMPARE(b.done->text(), QStringLiteral("&Done"));
-  QCOMPARE(b.clear->text(), QStringLiteral("&Clear"));
-}
-
-void TestFilterBuilder::buttonsFollowTheEnablingRule_data() {
-  QTest::addColumn<QString>("field");
-  QTest::addColumn<QString>("condition");
-  QTest::addColumn<QString>("value");
-  QTest::addColumn<bool>("enabled");
-  QTest::newRow("complete term") << "Level"
-                                 << "="
-                                 << "5" << true;
-  QTest::newRow("empty value with =") << "Level"
-                                      << "="
-                                      << "" << true;
-  QTest::newRow("no condition") << "Level"
-                                << ""
-                                << "5" << false;
-  QTest::newRow("no field") << ""
-                            << ">"
-                            << "5" << false;
-  QTest::newRow("LIKE with value") << "Level"
-                                   << "LIKE"
-                                   << "5" << true;
-  QTest::newRow("LIKE with blanks only") << "Level"
-                                         << "LIKE"
-                                         << "   " << false;
-  QTest::newRow("field typed by hand") << "Remarks"
-                                       << "<>"
-                                       << "x" << true;
-}
-
-void TestFilterBuilder::buttonsFollowTheEnablingRule() {
-  QFETCH(QString, field);
-  QFETCH(QString, condition);
-  QFETCH(QString, value);
-  QFETCH(bool, enabled);
-  Builder b;
-  b.term(field, condition, value);
-  QCOMPARE(b.done->isEnabled(), enabled);
-  QCOMPARE(b.andButton->isEnabled(), enabled);
-  QCOMPARE(b.orButton->isEnabled(), enabled);
-}
-
-void TestFilterBuilder::andThenDoneBuildsTheExactText() {
-  Builder b;
-  b.term(QStringLiteral("Chainage"), QStringLiteral(">="), QStringLiteral("100"));
-  b.andButton->click();
-  QCOMPARE(b.window.searchText(), QStringLiteral("[Chainage] >= '100' AND "));
-  QVERIFY(b.applied.isEmpty());
-  // The inputs are cleared for the next term.
-  QCOMPARE(b.field->currentText(), QString());
-  QCOMPARE(b.condition->currentIndex(), -1);
-  QCOMPARE(b.value->text(), QString());
-  QVERIFY(!b.done->isEnabled());
-
-  b.term(QStringLiteral("Offset"), QStringLiteral("LIKE"), QStringLiteral("5"));
-  b.done->click();
-  const QString expected = QStringLiteral("[Chainage] >= '100' AND [Offset] LIKE '%5%'");
-  QCOMPARE(b.window.searchText(), expected);
-  QCOMPARE(b.applied, QStringList({expected}));
-}
-
-void TestFilterBuilder::orJoinsTermsAndEmptyValueGivesTwoQuotes() {
-  Builder b;
-  b.term(QStringLiteral("Level"), QStringLiteral("<"), QStringLiteral(" 7 "));
-  b.orButton->click();
-  b.term(QStringLiteral("Name"), QStringLiteral("="), QString());
-  b.done->click();
-  QCOMPARE(b.applied, QStringList({QStringLiteral("[Level] < ' 7 ' OR [Name] = ''")}));
-}
-
-void TestFilterBuilder::termAfterDoneIsAppendedWithoutConnective() {
-  Builder b;
-  b.term(QStringLiteral("Level"), QStringLiteral(">"), QStringLiteral("1"));
-  b.done->click();
-  b.term(QStringLiteral("Level"), QStringLiteral("<"), QStringLiteral("9"));
-  b.done->click();
-  QCOMPARE(b.applied.last(), QStringLiteral("[Level] > '1'[Level] < '9'"));
-}
-
-void TestFilterBuilder::clearForgetsTheFilter() {
-  Builder b;
-  b.term(QStringLiteral("Level"), QStringLiteral(">"), QStringLiteral("1"));
-  b.done->click();
-  b.clear->click();
-  QCOMPARE(b.window.searchText(), QString());
-  QCOMPARE(b.applied.last(), QString());
-  b.term(QStringLiteral("Offset"), QStringLiteral("="), QStringLiteral("0"));
-  b.done->click();
-  QCOMPARE(b.applied.last(), QStringLiteral("[Offset] = '0'"));
-}
-
-void TestFilterBuilder::closingTellsTheMainWindow() {
-  Builder b;
-  b.window.close();
-  QCOMPARE(b.closed, 1);
-  QVERIFY(!b.window.isVisible());
-}
 
 DELVANE_QTEST(TestFilterBuilder)
 

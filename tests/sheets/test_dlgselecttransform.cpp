@@ -4,78 +4,66 @@
 #include "sheets/dlgselecttransform.h"
 
 #include <QComboBox>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
 
-#include <cmath>
-
 using sheets::dlgSelectTransform;
 using sheets::TransformRequest;
+
+// The dialog's parts, found by name.
+struct TransformDialog {
+  TransformDialog() { dialog.show(); }
+  dlgSelectTransform dialog;
+  QComboBox* list = dialog.findChild<QComboBox*>(QStringLiteral("cmbTransformation"));
+  QLineEdit* value = dialog.findChild<QLineEdit*>(QStringLiteral("txtValue"));
+  QPushButton* ok = dialog.findChild<QPushButton*>(QStringLiteral("OKButton"));
+};
 
 class TestTransformDialog : public QObject {
   Q_OBJECT
 
  private slots:
-  void okIsEnabledOnlyOnceAnOperationIsChosen();
-  void okHandsOverOperationAndLeadingNumber_data();
-  void okHandsOverOperationAndLeadingNumber();
-  void cancelGivesMinusOne();
+  void okNeedsAnOperationAndCancelGivesMinusOne() {
+    TransformDialog d;
+    QStringList items;
+    for (int i = 0; i < d.list->count(); ++i) items << d.list->itemText(i);
+    QCOMPARE(items, QStringList({"Set", "Add", "Subtract", "Multiply"}));
+    QCOMPARE(d.list->currentIndex(), -1);
+    QVERIFY(!d.ok->isEnabled());
+    d.list->setCurrentIndex(1);
+    QVERIFY(d.ok->isEnabled());
+    d.dialog.findChild<QPushButton*>(QStringLiteral("CancelButton"))->click();
+    QCOMPARE(int(d.dialog.request().operation), -1);
+    QVERIFY(!d.dialog.isVisible());
+  }
+
+  void okHandsOverOperationAndLeadingNumber_data() {
+    QTest::addColumn<int>("operation");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<float>("value");
+    QTest::newRow("set") << 0 << "0.1" << 0.1f;
+    QTest::newRow("add, text after the number") << 1 << "2.5 m" << 2.5f;
+    QTest::newRow("subtract, no number") << 2 << "abc" << 0.0f;
+  }
+  void okHandsOverOperationAndLeadingNumber() {
+    QFETCH(int, operation);
+    QFETCH(QString, text);
+    QFETCH(float, value);
+    TransformDialog d;
+    d.list->setCurrentIndex(operation);
+    d.value->setText(text);
+    d.ok->click();
+    QCOMPARE(d.dialog.result(), int(QDialog::Accepted));
+    QCOMPARE(int(d.dialog.request().operation), operation);
+    QCOMPARE(d.dialog.request().value, value);
+  }
+
   void leadingNumberReadsTheStartOfTheText_data();
   void leadingNumberReadsTheStartOfTheText();
   void generalTextKeepsFifteenDigits_data();
   void generalTextKeepsFifteenDigits();
 };
-
-void TestTransformDialog::okIsEnabledOnlyOnceAnOperationIsChosen() {
-  dlgSelectTransform dialog;
-  dialog.show();
-  auto* list = dialog.findChild<QComboBox*>(QStringLiteral("cmbTransformation"));
-  auto* ok = dialog.findChild<QPushButton*>(QStringLiteral("OKButton"));
-  QCOMPARE(dialog.findChild<QLabel*>(QStringLiteral("wnTitle"))->text(),
-           QStringLiteral("Transform Value"));
-  QStringList items;
-  for (int i = 0; i < list->count(); ++i) items << list->itemText(i);
-  QCOMPARE(items, QStringList({"Set", "Add", "Subtract", "Multiply"}));
-  QCOMPARE(list->currentIndex(), -1);
-  QVERIFY(!ok->isEnabled());
-  list->setCurrentIndex(2);
-  QVERIFY(ok->isEnabled());
-}
-
-void TestTransformDialog::okHandsOverOperationAndLeadingNumber_data() {
-  QTest::addColumn<int>("operation");
-  QTest::addColumn<QString>("text");
-  QTest::addColumn<float>("value");
-  QTest::newRow("set") << 0 << "0.1" << 0.1f;
-  QTest::newRow("add, text after the number") << 1 << "2.5 m" << 2.5f;
-  QTest::newRow("multiply, empty") << 3 << "" << 0.0f;
-  QTest::newRow("subtract, no number") << 2 << "abc" << 0.0f;
-}
-
-void TestTransformDialog::okHandsOverOperationAndLeadingNumber() {
-  QFETCH(int, operation);
-  QFETCH(QString, text);
-  QFETCH(float, value);
-  dlgSelectTransform dialog;
-  dialog.show();
-  dialog.findChild<QComboBox*>(QStringLiteral("cmbTransformation"))->setCurrentIndex(operation);
-  dialog.findChild<QLineEdit*>(QStringLiteral("txtValue"))->setText(text);
-  dialog.findChild<QPushButton*>(QStringLiteral("OKButton"))->click();
-  QCOMPARE(dialog.result(), int(QDialog::Accepted));
-  QCOMPARE(int(dialog.request().operation), operation);
-  QCOMPARE(dialog.request().value, value);
-}
-
-void TestTransformDialog::cancelGivesMinusOne() {
-  dlgSelectTransform dialog;
-  dialog.show();
-  dialog.findChild<QComboBox*>(QStringLiteral("cmbTransformation"))->setCurrentIndex(1);
-  dialog.findChild<QPushButton*>(QStringLiteral("CancelButton"))->click();
-  QCOMPARE(int(dialog.request().operation), -1);
-  QVERIFY(!dialog.isVisible());
-}
 
 void TestTransformDialog::leadingNumberReadsTheStartOfTheText_data() {
   QTest::addColumn<QString>("text");

@@ -1,16 +1,15 @@
 #include "tests/qtestmain.h"
 
-#include "db/resultset.h"
 #include "sheets/frmdatagrid.h"
 #include "sheets/gridcontrol.h"
-#include "sheets/modgridstyles.h"
+#include "sheets/sheetediting.h"
 #include "tests/sheets/sheetsfixture.h"
 
+#include <QApplication>
+#include <QClipboard>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QTest>
-
-#include <memory>
 
 using sheets::frmDataGrid;
 using sheets::GridControl;
@@ -19,48 +18,6 @@ using sheets::MessageAnswer;
 using sheetstest::SheetsFixture;
 
 namespace {
-
-// Section 1 of a fresh project gets that many Initial readings at chainage 0.1 km, offsets 0, 1, 2,
-// ... and levels 100, 101, ...; a second section gets one reading that no sheet of section 1
-// may touch.
-void writeInitialRows(db::Connection& connection, int rows) {
-  db::Transaction transaction(connection);
-  db::Statement insert = connection.prepare(
-      QStringLiteral("INSERT INTO Initial (Chainage, Offset, Level, SectionID) VALUES (?,?,?,?)"));
-  for (int i = 0; i < rows; ++i) {
-    insert.bindMeasure(1, 0.1f)
-        .bindMeasure(2, static_cast<float>(i))
-        .bindMeasure(3, 100.0f + static_cast<float>(i))
-        .bindKey(4, 1);
-    insert.run();
-    insert.reset();
-  }
-  connection.exec(QStringLiteral(
-      "INSERT INTO Initial (Chainage, Offset, Level, SectionID) VALUES (0.1, 0, 55, 2)"));
-  transaction.commit();
-}
-
-std::optional<double> levelAtOffset(db::Connection& connection, int offset) {
-  return connection.scalar(QStringLiteral("SELECT Level FROM Initial WHERE SectionID=1 AND "
-                                          "Offset=") +
-                           QString::number(offset));
-}
-
-bool levelIsNull(db::Connection& connection, int offset) {
-  return connection
-             .scalar(QStringLiteral("SELECT IFNULL(Level, 'null')='null' FROM Initial WHERE "
-                                    "SectionID=1 AND Offset=") +
-                     QString::number(offset))
-             .value_or(0) != 0;
-}
-
-// An Initial sheet of section 1, loaded and laid out as the main window opens it.
-std::unique_ptr<frmDataGrid> openInitialSheet(SheetsFixture& fixture, bool withLink = false) {
-  auto sheet = std::make_unique<frmDataGrid>(fixture.context(withLink));
-  sheet->resize(400, 300);
-  sheets::modGridStyles::LevelsStyle(*sheet, QStringLiteral("Initial"));
-  return sheet;
-}
 
 constexpr int kOffsetCol = 1;
 constexpr int kLevelCol = 2;
@@ -73,41 +30,37 @@ class TestFrmDataGrid : public QObject {
  private slots:
   void saveWritesChangedRowsAndClearsDirty() {
     SheetsFixture fixture(false);
-    writeInitialRows(fixture.connection(), 4);
-    auto sheet = openInitialSheet(fixture);
+    fixture.writeInitialRows(4);
+    auto sheet = fixture.openSheet();
     sheet->grid().Text(1, kLevelCol, QStringLiteral("120.5"));
     sheet->grid().Text(3, kLevelCol, QString());
     sheet->setDirty(true);
-
     QVERIFY(sheet->save());
-
     QVERIFY(!sheet->isDirty());
     QVERIFY(fixture.messages.isEmpty());
-    QCOMPARE(levelAtOffset(fixture.connection(), 1).value_or(0), 120.5);
-    QVERIFY(levelIsNull(fixture.connection(), 3));
-    QCOMPARE(levelAtOffset(fixture.connection(), 2).value_or(0), 102.0);
+    QCOMPARE(fixture.initialAt(1), 120.5);
+    QCOMPARE(fixture.initialAt(3, QStringLiteral("Level IS NULL")), 1.0);
+    QCOMPARE(fixture.initialAt(2), 102.0);
   }
 
   void saveFailureKeepsEarlierRowsAndStaysDirty_data() {
     QTest::addColumn<int>("col");
     QTest::addColumn<QString>("badText");
     QTest::addColumn<QStringList>("descriptionParts");
-    QTest::newRow("text in a number column")
-        << kOffsetCol << QStringLiteral("abc")
-        << QStringList{QStringLiteral("Offset"), QStringLiteral("abc")};
+    QTest::newRow("text in a number column") << kOffsetCol << "abc" << QStringList{"Offset", "abc"};
     QTest::newRow("value the database refuses")
-        << kLevelCol << QStringLiteral("13") << QStringList{QStringLiteral("level 13 refused")};
+        << kLevelCol << "13" << QStringList{"level 13 refused"};
   }
   void saveFailureKeepsEarlierRowsAndStaysDirty() {
     QFETCH(int, col);
     QFETCH(QString, badText);
     QFETCH(QStringList, descriptionParts);
     SheetsFixture fixture(false);
-    writeInitialRows(fixture.connection(), 5);
+    fixture.writeInitialRows(5);
     fixture.connection().exec(
         QStringLiteral("CREATE TRIGGER refuse13 BEFORE UPDATE ON Initial WHEN NEW.Level = 13 "
                        "BEGIN SELECT RAISE(ABORT, 'level 13 refused'); END"));
-    auto sheet = openInitialSheet(fixture);
+    auto sheet = fixture.openSheet();
     sheet->grid().Text(0, kLevelCol, QStringLiteral("200"));
     sheet->grid().Text(2, kLevelCol, QStringLiteral("202.5"));
     sheet->grid().Text(2, col, badText);
@@ -122,101 +75,119 @@ class TestFrmDataGrid : public QObject {
     QVERIFY2(text.endsWith(QStringLiteral("\nError encountered while updating row 3")),
              qPrintable(text));
     for (const QString& part : descriptionParts) QVERIFY2(text.contains(part), qPrintable(text));
-    // The row before stays written, the failing row and the rows after it are untouched.
-    QCOMPARE(levelAtOffset(fixture.connection(), 0).value_or(0), 200.0);
-    QCOMPARE(levelAtOffset(fixture.connection(), 2).value_or(0), 102.0);
-    QCOMPARE(levelAtOffset(fixture.connection(), 4).value_or(0), 104.0);
-    // The user's edits are still in the sheet, to be corrected and saved again.
+    // The row before stays written, the failing row and the rows after it are untouched, and
+    // the user's edits stay in the sheet to be corrected.
+    QCOMPARE(fixture.initialAt(0), 200.0);
+    QCOMPARE(fixture.initialAt(2), 102.0);
+    QCOMPARE(fixture.initialAt(4), 104.0);
     QCOMPARE(sheet->grid().Text(2, col), badText);
     QCOMPARE(sheet->grid().Text(4, kLevelCol), QStringLiteral("204"));
   }
 
-  void saveSkipsUnchangedRowsOfALargeSheet() {
+  // Functional check of the large-sheet paths: one changed row is the only row written, and a
+  // paste or transform over every row is saved (and undone) as a whole.
+  void tenThousandRowSheetSavesWhatChanged() {
+    constexpr int kRows = 10000;
     SheetsFixture fixture(false);
-    writeInitialRows(fixture.connection(), 20000);
-    auto sheet = openInitialSheet(fixture);
+    fixture.writeInitialRows(kRows);
     db::Connection& c = fixture.connection();
+    const auto levelSum = [&c] {
+      return c.scalar(QStringLiteral("SELECT SUM(Level) FROM Initial WHERE SectionID=1"))
+          .value_or(-1);
+    };
+    const double originalSum = levelSum();
+    auto sheet = fixture.openSheet();
+    GridControl& grid = sheet->grid();
+    QCOMPARE(grid.Rows(), kRows);
     c.exec(QStringLiteral("CREATE TABLE Updates (n INTEGER)"));
     c.exec(QStringLiteral("INSERT INTO Updates VALUES (0)"));
     c.exec(
         QStringLiteral("CREATE TRIGGER countUpdates AFTER UPDATE ON Initial BEGIN "
                        "UPDATE Updates SET n = n + 1; END"));
-    sheet->grid().Text(19998, kLevelCol, QStringLiteral("1"));
-
+    grid.Text(kRows - 2, kLevelCol, QStringLiteral("100"));
+    QVERIFY(sheet->save());
+    QCOMPARE(c.scalar(QStringLiteral("SELECT n FROM Updates")).value_or(-1), 1.0);
+    QCOMPARE(fixture.initialAt(kRows - 2), 100.0);
+    grid.Text(kRows - 2, kLevelCol, QString::number(100 + kRows - 2));
     QVERIFY(sheet->save());
 
-    QCOMPARE(fixture.connection().scalar(QStringLiteral("SELECT n FROM Updates")).value_or(-1),
-             1.0);
-    QCOMPARE(levelAtOffset(fixture.connection(), 19998).value_or(0), 1.0);
+    fixture.autoSave = true;
+    QString text;
+    for (int i = 0; i < kRows; ++i) text += QStringLiteral("101\r\n");
+    QApplication::clipboard()->setText(text);
+    grid.SetCurrentCell(0, kLevelCol);
+    sheet->HandleMenuEvent(frmDataGrid::kPaste);
+    QVERIFY(!sheet->isDirty());
+    QCOMPARE(levelSum(), 101.0 * kRows);
+    sheet->HandleMenuEvent(frmDataGrid::kUndo);
+    QCOMPARE(levelSum(), originalSum);
+
+    sheet->editing()->selectRange(0, kLevelCol, kRows - 1, kLevelCol);
+    sheet->editing()->applyTransform({sheets::TransformRequest::Add, 1.5f});
+    QVERIFY(!sheet->isDirty());
+    QCOMPARE(levelSum(), originalSum + 1.5 * kRows);
+    QVERIFY(fixture.messages.isEmpty());
   }
 
-  void rowEditedWritesTheRowAtOnceWithAutoSave() {
+  void rowEditedWritesOnlyWithAutoSave_data() {
+    QTest::addColumn<bool>("autoSave");
+    QTest::newRow("AutoSave writes the row") << true;
+    QTest::newRow("without AutoSave the sheet turns dirty") << false;
+  }
+  void rowEditedWritesOnlyWithAutoSave() {
+    QFETCH(bool, autoSave);
     SheetsFixture fixture(false);
-    fixture.autoSave = true;
-    writeInitialRows(fixture.connection(), 3);
-    auto sheet = openInitialSheet(fixture);
+    fixture.autoSave = autoSave;
+    fixture.writeInitialRows(3);
+    auto sheet = fixture.openSheet();
     sheet->grid().Text(1, kLevelCol, QStringLiteral("111"));
     sheet->setDirty(true);
-
     sheet->rowEdited(1);
-
-    QVERIFY(!sheet->isDirty());
-    QCOMPARE(levelAtOffset(fixture.connection(), 1).value_or(0), 111.0);
-  }
-
-  void changesOnlyMarkTheSheetDirtyWithoutAutoSave() {
-    SheetsFixture fixture(false);
-    writeInitialRows(fixture.connection(), 3);
-    auto sheet = openInitialSheet(fixture);
-    sheet->grid().Text(1, kLevelCol, QStringLiteral("111"));
-
-    sheet->rowEdited(1);
-    QVERIFY(sheet->isDirty());
+    QCOMPARE(sheet->isDirty(), !autoSave);
+    QCOMPARE(fixture.initialAt(1), autoSave ? 111.0 : 101.0);
     sheet->setDirty(false);
     sheet->cellsChanged();
-    QVERIFY(sheet->isDirty());
-
-    QCOMPARE(levelAtOffset(fixture.connection(), 1).value_or(0), 101.0);
+    QCOMPARE(sheet->isDirty(), !autoSave);
   }
 
   void saveCommandAndSaveBeforeAddWriteTheSheet() {
     SheetsFixture fixture(false);
-    writeInitialRows(fixture.connection(), 3);
-    auto sheet = openInitialSheet(fixture);
+    fixture.writeInitialRows(3);
+    auto sheet = fixture.openSheet();
     sheet->grid().Text(0, kLevelCol, QStringLiteral("7"));
     sheet->HandleMenuEvent(frmDataGrid::kSave);
-    QCOMPARE(levelAtOffset(fixture.connection(), 0).value_or(0), 7.0);
-
+    QCOMPARE(fixture.initialAt(0), 7.0);
     sheet->grid().Text(0, kLevelCol, QStringLiteral("8"));
     sheet->SaveBeforeAdd();  // not dirty: nothing to do
-    QCOMPARE(levelAtOffset(fixture.connection(), 0).value_or(0), 7.0);
+    QCOMPARE(fixture.initialAt(0), 7.0);
     sheet->setDirty(true);
     sheet->SaveBeforeAdd();
-    QCOMPARE(levelAtOffset(fixture.connection(), 0).value_or(0), 8.0);
+    QCOMPARE(fixture.initialAt(0), 8.0);
   }
 
+  // Every case starts from the filter [Offset] < '4' (four rows); a rejected filter keeps it.
   void filterData_data() {
     QTest::addColumn<QString>("expression");
     QTest::addColumn<int>("rows");
     QTest::addColumn<bool>("rejected");
-    QTest::newRow("one term") << QStringLiteral("[Offset] >= '7'") << 3 << false;
-    QTest::newRow("AND and LIKE") << QStringLiteral("[Level] > '101' AND [Offset] LIKE '%5%'") << 1
-                                  << false;
-    QTest::newRow("OR") << QStringLiteral("[Offset] = '1' OR [Offset] = '2'") << 2 << false;
-    QTest::newRow("empty shows all") << QString() << 10 << false;
-    QTest::newRow("terms without a connective")
-        << QStringLiteral("[Offset] = '1'[Offset] = '2'") << 10 << true;
-    QTest::newRow("unknown field") << QStringLiteral("[Depth] = '1'") << 10 << true;
-    QTest::newRow("unterminated quote") << QStringLiteral("[Offset] = '1") << 10 << true;
-    QTest::newRow("text for a number column") << QStringLiteral("[Offset] < 'x'") << 10 << true;
+    QTest::newRow("one term") << "[Offset] >= '7'" << 3 << false;
+    QTest::newRow("AND and LIKE") << "[Level] > '101' AND [Offset] LIKE '%5%'" << 1 << false;
+    QTest::newRow("OR") << "[Offset] = '1' OR [Offset] = '2'" << 2 << false;
+    QTest::newRow("empty shows all") << "" << 10 << false;
+    QTest::newRow("terms without a connective") << "[Offset] = '1'[Offset] = '2'" << 4 << true;
+    QTest::newRow("unknown field") << "[Depth] = '1'" << 4 << true;
+    QTest::newRow("unterminated quote") << "[Offset] = '1" << 4 << true;
+    QTest::newRow("text for a number column") << "[Offset] < 'x'" << 4 << true;
   }
   void filterData() {
     QFETCH(QString, expression);
     QFETCH(int, rows);
     QFETCH(bool, rejected);
     SheetsFixture fixture(false);
-    writeInitialRows(fixture.connection(), 10);
-    auto sheet = openInitialSheet(fixture);
+    fixture.writeInitialRows(10);
+    auto sheet = fixture.openSheet();
+    sheet->FilterData(QStringLiteral("[Offset] < '4'"));
+    QCOMPARE(sheet->grid().Rows(), 4);
 
     sheet->FilterData(expression);
 
@@ -225,20 +196,8 @@ class TestFrmDataGrid : public QObject {
     if (rejected) {
       QCOMPARE(fixture.messages.front().icon, sheets::MessageIcon::Warning);
       QVERIFY(!fixture.messages.front().text.isEmpty());
+      QCOMPARE(sheet->grid().Text(3, kOffsetCol), QStringLiteral("3"));
     }
-  }
-
-  void rejectedFilterKeepsThePreviousFilter() {
-    SheetsFixture fixture(false);
-    writeInitialRows(fixture.connection(), 10);
-    auto sheet = openInitialSheet(fixture);
-    sheet->FilterData(QStringLiteral("[Offset] < '4'"));
-    QCOMPARE(sheet->grid().Rows(), 4);
-
-    sheet->FilterData(QStringLiteral("[Offset] < '4' [Level] = '1'"));
-
-    QCOMPARE(sheet->grid().Rows(), 4);
-    QCOMPARE(sheet->grid().Text(3, kOffsetCol), QStringLiteral("3"));
   }
 
   void mouseWheel_data() {
@@ -259,13 +218,12 @@ class TestFrmDataGrid : public QObject {
     QFETCH(int, fromRowsBeforeEnd);
     QFETCH(int, expectedRowsBeforeEnd);
     SheetsFixture fixture(false);
-    writeInitialRows(fixture.connection(), 60);
-    auto sheet = openInitialSheet(fixture);
+    fixture.writeInitialRows(60);
+    auto sheet = fixture.openSheet();
     sheet->show();
     QVERIFY(QTest::qWaitForWindowExposed(sheet.get()));
     GridControl& grid = sheet->grid();
     const int last = grid.Rows() - 1;
-
     if (up) {
       grid.TopRow(fromRowsBeforeEnd);
       QCOMPARE(grid.TopRow(), fromRowsBeforeEnd);
@@ -279,268 +237,203 @@ class TestFrmDataGrid : public QObject {
     }
   }
 
-  void currentSelectedRecordIsZeroWithNothingSelected() {
+  void selectedRecordAndSeekUseTheRowsID() {
     SheetsFixture fixture(false);
-    writeInitialRows(fixture.connection(), 3);
-    auto sheet = openInitialSheet(fixture);
+    fixture.writeInitialRows(5);
+    auto sheet = fixture.openSheet();
     sheet->grid().SetCurrentCell(1, 1);
-
-    QCOMPARE(sheet->CurrentSelectedRecord(), 0);
-  }
-
-  void currentSelectedRecordIsTheFirstSelectedRowsID() {
-    SheetsFixture fixture(false);
-    writeInitialRows(fixture.connection(), 5);
-    auto sheet = openInitialSheet(fixture);
+    QCOMPARE(sheet->CurrentSelectedRecord(), 0);  // a current cell is no selection
     sheet->grid().SelectRow(3);
     sheet->grid().SelectRow(2, true);
-    const auto expected = fixture.connection().scalar(
-        QStringLiteral("SELECT ID FROM Initial WHERE SectionID=1 AND Offset=2"));
+    QCOMPARE(sheet->CurrentSelectedRecord(), std::int32_t(fixture.initialAt(2, "ID")));
 
-    QCOMPARE(sheet->CurrentSelectedRecord(), static_cast<std::int32_t>(expected.value_or(-1)));
-  }
-
-  void seekRecordMakesThatRowCurrent() {
-    SheetsFixture fixture(false);
-    writeInitialRows(fixture.connection(), 5);
-    auto sheet = openInitialSheet(fixture);
-    const auto id = static_cast<std::int32_t>(
-        fixture.connection()
-            .scalar(QStringLiteral("SELECT ID FROM Initial WHERE SectionID=1 AND Offset=3"))
-            .value_or(-1));
-
-    sheet->SeekRecord(id);
+    sheet->SeekRecord(std::int32_t(fixture.initialAt(3, "ID")));
     QCOMPARE(sheet->grid().Row(), 3);
     QCOMPARE(sheet->grid().Col(), 0);
-
     sheet->SeekRecord(99999);
     QCOMPARE(sheet->grid().Row(), 3);
   }
 
-  void deleteWithNothingSelectedWarns() {
-    SheetsFixture fixture(false);
-    writeInitialRows(fixture.connection(), 3);
-    auto sheet = openInitialSheet(fixture);
-
-    QVERIFY(!sheet->DeleteRecord());
-
-    QCOMPARE(fixture.messageTexts(),
-             QStringList{QStringLiteral("No records selected. Select one or more records for "
-                                        "deletion!")});
-    QCOMPARE(testsupport::rowCount(fixture.connection(), QStringLiteral("Initial")), 4);
+  void deleteRecordConfirms_data() {
+    QTest::addColumn<QList<int>>("selected");
+    QTest::addColumn<int>("answer");
+    QTest::addColumn<QString>("message");
+    QTest::addColumn<int>("left");
+    QTest::newRow("nothing selected warns")
+        << QList<int>{} << int(MessageAnswer::Yes)
+        << "No records selected. Select one or more records for deletion!" << 5;
+    QTest::newRow("No keeps the rows") << QList<int>{1, 3} << int(MessageAnswer::No)
+                                       << "Surely delete 2 record(s) from the database?" << 5;
+    QTest::newRow("Yes deletes the rows") << QList<int>{1, 3} << int(MessageAnswer::Yes)
+                                          << "Surely delete 2 record(s) from the database?" << 3;
   }
-
-  void deleteAsksAndRespectsTheAnswer_data() {
-    QTest::addColumn<bool>("yes");
-    QTest::newRow("No keeps the rows") << false;
-    QTest::newRow("Yes deletes the rows") << true;
-  }
-  void deleteAsksAndRespectsTheAnswer() {
-    QFETCH(bool, yes);
+  void deleteRecordConfirms() {
+    QFETCH(QList<int>, selected);
+    QFETCH(int, answer);
+    QFETCH(QString, message);
+    QFETCH(int, left);
     SheetsFixture fixture(false);
-    writeInitialRows(fixture.connection(), 5);
-    auto sheet = openInitialSheet(fixture);
-    sheet->grid().SelectRow(1);
-    sheet->grid().SelectRow(3, true);
-    fixture.answers = {yes ? MessageAnswer::Yes : MessageAnswer::No};
-
-    QCOMPARE(sheet->DeleteRecord(), yes);
-
-    QCOMPARE(fixture.messages.size(), 1);
-    QCOMPARE(fixture.messages.front().text,
-             QStringLiteral("Surely delete 2 record(s) from the database?"));
-    QCOMPARE(fixture.messages.front().buttons, sheets::MessageButtons::YesNo);
-    const int left = testsupport::rowCount(fixture.connection(), QStringLiteral("Initial"),
-                                           QStringLiteral("SectionID=1"));
-    QCOMPARE(left, yes ? 3 : 5);
-    QCOMPARE(sheet->grid().Rows(), left);
-    if (yes) {
-      QCOMPARE(testsupport::rowCount(fixture.connection(), QStringLiteral("Initial"),
-                                     QStringLiteral("SectionID=1 AND Offset IN (1, 3)")),
-               0);
-      QCOMPARE(sheet->grid().SelectedRowCount(), 0);
-    }
-  }
-
-  void deleteSavesPendingEditsFirst() {
-    SheetsFixture fixture(false);
-    writeInitialRows(fixture.connection(), 3);
-    auto sheet = openInitialSheet(fixture);
-    sheet->grid().Text(0, kLevelCol, QStringLiteral("9"));
+    fixture.writeInitialRows(5);
+    auto sheet = fixture.openSheet();
+    for (int row : selected) sheet->grid().SelectRow(row, row != selected.first());
+    sheet->grid().Text(0, kLevelCol, QStringLiteral("9"));  // a pending edit
     sheet->setDirty(true);
-    sheet->grid().SelectRow(2);
+    fixture.answers = {static_cast<MessageAnswer>(answer)};
 
-    QVERIFY(sheet->DeleteRecord());
+    QCOMPARE(sheet->DeleteRecord(), left < 5);
 
-    QCOMPARE(levelAtOffset(fixture.connection(), 0).value_or(0), 9.0);
-    QVERIFY(!sheet->isDirty());
+    QCOMPARE(fixture.messageTexts(), QStringList{message});
+    QCOMPARE(fixture.messages.front().buttons,
+             selected.isEmpty() ? sheets::MessageButtons::Ok : sheets::MessageButtons::YesNo);
+    QCOMPARE(testsupport::rowCount(fixture.connection(), "Initial", "SectionID=1"), left);
+    QCOMPARE(sheet->grid().Rows(), left);
+    if (left < 5) {
+      QCOMPARE(fixture.initialAt(1), -1.0);
+      QCOMPARE(fixture.initialAt(3), -1.0);
+      QCOMPARE(sheet->grid().SelectedRowCount(), 0);
+      QCOMPARE(fixture.initialAt(0), 9.0);  // saved before deleting
+      QVERIFY(!sheet->isDirty());
+    }
   }
 
   void lockColumnsTogglesEditabilityAndHeaderColour() {
     SheetsFixture fixture(false);
-    writeInitialRows(fixture.connection(), 3);
-    auto sheet = openInitialSheet(fixture);
+    fixture.writeInitialRows(3);
+    auto sheet = fixture.openSheet();
     GridControl& grid = sheet->grid();
-
     sheet->LockColumns();
-    QCOMPARE(
-        fixture.messageTexts(),
-        QStringList{QStringLiteral("Select a column by clicking on the column header to lock it")});
+    QCOMPARE(fixture.messageTexts(),
+             QStringList{"Select a column by clicking on the column header to lock it"});
     QVERIFY(grid.ColEditable(0));
-
     grid.SelectCol(1);
     sheet->LockColumns();
     QVERIFY(!grid.ColEditable(1));
     QVERIFY(grid.ColEditable(0));
     QCOMPARE(grid.CellBackColor(-1, 1), sheets::RGB(255, 102, 51));
-
     sheet->LockColumns();
     QVERIFY(grid.ColEditable(1));
     QCOMPARE(grid.CellStyle(-1, 1), int(GridControl::kStyleRaised));
     QCOMPARE(grid.CellStyleColor(-1, 1), sheets::RGB(255, 162, 130));
-  }
-
-  void freezeColTogglesTheFirstColumn() {
-    SheetsFixture fixture(false);
-    writeInitialRows(fixture.connection(), 3);
-    auto sheet = openInitialSheet(fixture);
 
     sheet->FreezeCol();
-    QVERIFY(sheet->grid().Frozen());
-    QCOMPARE(sheet->grid().FrozenCols(), 1);
+    QVERIFY(grid.Frozen());
+    QCOMPARE(grid.FrozenCols(), 1);
     sheet->FreezeCol();
-    QVERIFY(!sheet->grid().Frozen());
+    QVERIFY(!grid.Frozen());
   }
 
-  void refreshDataShowsRowsAddedSinceLoading() {
+  void reloadingFollowsTheDatabaseAndTheCurrentSection() {
     SheetsFixture fixture(false);
-    writeInitialRows(fixture.connection(), 3);
-    auto sheet = openInitialSheet(fixture);
+    fixture.writeInitialRows(3);
+    auto sheet = fixture.openSheet();
     fixture.connection().exec(QStringLiteral(
         "INSERT INTO Initial (Chainage, Offset, Level, SectionID) VALUES (0.2, 0, 1, 1)"));
-
     sheet->RefreshData();
     QCOMPARE(sheet->grid().Rows(), 4);
-
     fixture.connection().exec(QStringLiteral("DELETE FROM Initial WHERE Chainage > 0.15"));
     sheet->LoadFormData();
     QCOMPARE(sheet->grid().Rows(), 3);
-  }
 
-  void queryPlaceholderTakesTheCurrentSection() {
-    SheetsFixture fixture(false);
-    writeInitialRows(fixture.connection(), 3);
     fixture.sectionId = 2;
-    frmDataGrid sheet(fixture.context());
-    sheet.strSheetQuery =
+    frmDataGrid other(fixture.context());
+    other.strSheetQuery =
         QStringLiteral("SELECT Level, ID FROM Initial WHERE SectionID=<paramSectionID>");
-    sheet.rsConPtr = &fixture.connection();
-    sheet.load();
-
-    QCOMPARE(sheet.grid().Rows(), 1);
-    QCOMPARE(sheet.grid().Text(0, 0), QStringLiteral("55"));
+    other.rsConPtr = &fixture.connection();
+    other.load();
+    QCOMPARE(other.grid().Rows(), 1);
+    QCOMPARE(other.grid().Text(0, 0), QStringLiteral("55"));
   }
 
   void activationSwitchesTheMainWindowsCommands() {
     SheetsFixture fixture(false);
-    writeInitialRows(fixture.connection(), 3);
-    auto sheet = openInitialSheet(fixture, true);
+    fixture.writeInitialRows(3);
+    auto sheet = fixture.openSheet(QStringLiteral("Initial"), true);
     sheetstest::RecordingMainWindow& main = fixture.mainWindow;
     using C = MainWindowLink::Command;
     const C commands[] = {C::mnuEdit, C::mnuViewDetail, C::mnuLockColumn, C::mnuViewFreeze,
                           C::mnuViewRefresh};
-
-    sheet->activateSheet();
-    for (C command : commands) QVERIFY(main.enabled[command]);
-    QVERIFY(main.buttonVisible[QStringLiteral("Add")]);
-    QVERIFY(main.buttonVisible[QStringLiteral("Delete")]);
-    QVERIFY(main.buttonEnabled[QStringLiteral("Filter")]);
-
-    main.checked[C::mnuViewDetail] = true;
-    sheet->deactivateSheet();
-    for (C command : commands) QVERIFY(!main.enabled[command]);
-    QVERIFY(!main.buttonVisible[QStringLiteral("Add")]);
-    QVERIFY(!main.buttonVisible[QStringLiteral("Delete")]);
-    QVERIFY(!main.buttonEnabled[QStringLiteral("Filter")]);
+    for (bool active : {true, false}) {
+      if (active) {
+        sheet->activateSheet();
+      } else {
+        main.checked[C::mnuViewDetail] = true;
+        sheet->deactivateSheet();
+      }
+      for (C command : commands) QCOMPARE(main.enabled[command], active);
+      for (const char* button : {"Add", "Delete"})
+        QCOMPARE(main.buttonVisible[QLatin1String(button)], active);
+      QCOMPARE(main.buttonEnabled[QStringLiteral("Filter")], active);
+    }
     QVERIFY(!main.checked[C::mnuViewDetail]);
     QCOMPARE(main.filterWindowClosed, 1);
-
     // Without the filter window open there is nothing to close.
     sheet->activateSheet();
     sheet->deactivateSheet();
     QCOMPARE(main.filterWindowClosed, 1);
-  }
 
-  void theActiveMdiChildOwnsTheCommands() {
-    SheetsFixture fixture(false);
-    writeInitialRows(fixture.connection(), 3);
     QMdiArea area;
     area.resize(800, 600);
     area.show();
     QVERIFY(QTest::qWaitForWindowExposed(&area));
-    auto* first = openInitialSheet(fixture, true).release();
-    auto* second = openInitialSheet(fixture, true).release();
+    auto* first = fixture.openSheet(QStringLiteral("Initial"), true).release();
+    auto* second = fixture.openSheet(QStringLiteral("Initial"), true).release();
     QMdiSubWindow* firstWindow = area.addSubWindow(first);
     QMdiSubWindow* secondWindow = area.addSubWindow(second);
     firstWindow->show();
     secondWindow->show();
-    using C = MainWindowLink::Command;
-
     area.setActiveSubWindow(firstWindow);
-    QVERIFY(first->isActiveSheet());
-    QVERIFY(!second->isActiveSheet());
+    QVERIFY(first->isActiveSheet() && !second->isActiveSheet());
     area.setActiveSubWindow(secondWindow);
-    QVERIFY(!first->isActiveSheet());
-    QVERIFY(second->isActiveSheet());
-    QVERIFY(fixture.mainWindow.enabled[C::mnuEdit]);
+    QVERIFY(!first->isActiveSheet() && second->isActiveSheet());
+    QVERIFY(main.enabled[C::mnuEdit]);
   }
 
-  void closingADirtySheetAsksToSave_data() {
-    QTest::addColumn<int>("answerCode");
+  void closingAsksToSaveADirtySheet_data() {
+    QTest::addColumn<bool>("dirty");
+    QTest::addColumn<int>("answer");
     QTest::addColumn<bool>("rowRejected");
     QTest::addColumn<bool>("closes");
     QTest::addColumn<double>("storedLevel");
+    const int yes = int(MessageAnswer::Yes);
     // A rejected row 2 still leaves row 1 written.
-    QTest::newRow("Yes saves and closes") << int(MessageAnswer::Yes) << false << true << 7.0;
-    QTest::newRow("Yes with a rejected row stays open")
-        << int(MessageAnswer::Yes) << true << false << 7.0;
-    QTest::newRow("No closes without saving") << int(MessageAnswer::No) << false << true << 100.0;
-    QTest::newRow("Cancel stays open") << int(MessageAnswer::Cancel) << false << false << 100.0;
+    QTest::newRow("clean closes without asking") << false << yes << false << true << 100.0;
+    QTest::newRow("Yes saves and closes") << true << yes << false << true << 7.0;
+    QTest::newRow("Yes with a rejected row stays open") << true << yes << true << false << 7.0;
+    QTest::newRow("No closes without saving")
+        << true << int(MessageAnswer::No) << false << true << 100.0;
+    QTest::newRow("Cancel stays open")
+        << true << int(MessageAnswer::Cancel) << false << false << 100.0;
   }
-  void closingADirtySheetAsksToSave() {
-    QFETCH(int, answerCode);
+  void closingAsksToSaveADirtySheet() {
+    QFETCH(bool, dirty);
+    QFETCH(int, answer);
     QFETCH(bool, rowRejected);
     QFETCH(bool, closes);
     QFETCH(double, storedLevel);
     SheetsFixture fixture(false);
-    writeInitialRows(fixture.connection(), 3);
-    auto sheet = openInitialSheet(fixture);
+    fixture.writeInitialRows(3);
+    auto sheet = fixture.openSheet();
     sheet->show();
-    sheet->grid().Text(0, kLevelCol, QStringLiteral("7"));
-    if (rowRejected) sheet->grid().Text(1, kOffsetCol, QStringLiteral("left"));
-    sheet->setDirty(true);
-    const auto answer = static_cast<MessageAnswer>(answerCode);
-    fixture.answers = {answer};
+    if (dirty) {
+      sheet->grid().Text(0, kLevelCol, QStringLiteral("7"));
+      if (rowRejected) sheet->grid().Text(1, kOffsetCol, QStringLiteral("left"));
+      sheet->setDirty(true);
+    }
+    fixture.answers = {static_cast<MessageAnswer>(answer)};
 
     QCOMPARE(sheet->close(), closes);
 
+    QCOMPARE(fixture.initialAt(0), storedLevel);
+    if (!dirty) {
+      QVERIFY(fixture.messages.isEmpty());
+      return;
+    }
     QCOMPARE(fixture.messages.front().text,
              QStringLiteral("The db has changed since it was last saved. Do you wish to save "
                             "changes before closing ?"));
     QCOMPARE(fixture.messages.front().title, QStringLiteral("Save Changes"));
     QCOMPARE(fixture.messages.front().buttons, sheets::MessageButtons::YesNoCancel);
-    QCOMPARE(sheet->isDirty(), !closes || answer == MessageAnswer::No);
-    QCOMPARE(levelAtOffset(fixture.connection(), 0).value_or(0), storedLevel);
-  }
-
-  void closingACleanSheetAsksNothing() {
-    SheetsFixture fixture(false);
-    writeInitialRows(fixture.connection(), 3);
-    auto sheet = openInitialSheet(fixture);
-    sheet->show();
-
-    QVERIFY(sheet->close());
-    QVERIFY(fixture.messages.isEmpty());
+    QCOMPARE(sheet->isDirty(), !closes || answer == int(MessageAnswer::No));
   }
 };
 

@@ -11,6 +11,7 @@
 #include <QTest>
 
 #include <memory>
+#include <optional>
 
 using sheets::frmReport;
 using sheets::GridControl;
@@ -34,24 +35,19 @@ class SmallProject {
     fixture.engine = session.get();
   }
 
-  // What the engine itself writes into a grid, through a session of its own.
-  engine::MemoryReportGrid expectedSummary() {
-    engine::RecordingReporter quiet;
-    engine::EngineSession own(fixture.connection(), quiet);
-    own.LoadDesignProfile();
-    own.setSection(1);
-    engine::MemoryReportGrid grid;
-    engine::ComputeQuantities(own, &grid, -1.0f);
-    return grid;
-  }
-  engine::MemoryReportGrid expectedAreas(float chainage, bool executed) {
+  // What the engine itself writes into a grid, through a session of its own: the quantity
+  // summary, or with a chainage the area details there.
+  engine::MemoryReportGrid expected(std::optional<float> chainage = {}, bool executed = false) {
     engine::RecordingReporter quiet;
     engine::EngineSession own(fixture.connection(), quiet);
     own.LoadDesignProfile();
     own.setSection(1);
     own.setUseExecutedLevel(executed);
     engine::MemoryReportGrid grid;
-    engine::FillAreaDetails(own, chainage, grid);
+    if (chainage)
+      engine::FillAreaDetails(own, *chainage, grid);
+    else
+      engine::ComputeQuantities(own, &grid, -1.0f);
     return grid;
   }
 
@@ -84,7 +80,7 @@ class TestFrmReport : public QObject {
  private slots:
   void quantitySummaryShowsTheEnginesRows() {
     SmallProject project;
-    const engine::MemoryReportGrid expected = project.expectedSummary();
+    const engine::MemoryReportGrid expected = project.expected();
     QCOMPARE(expected.RowCount(), 7);  // six chainages and the totals
 
     std::unique_ptr<frmReport> report(
@@ -94,9 +90,7 @@ class TestFrmReport : public QObject {
     QCOMPARE(report->windowTitle(), QStringLiteral("Quantity Summary"));
     QCOMPARE(report->strCurrentDataSheet, QStringLiteral("QuantitySummary"));
     QCOMPARE(headers(report->scg()),
-             (QStringList{QStringLiteral("Chainage"), QStringLiteral("Cut Area"),
-                          QStringLiteral("Fill Area"), QStringLiteral("Cut Volume"),
-                          QStringLiteral("Fill Volume")}));
+             (QStringList{"Chainage", "Cut Area", "Fill Area", "Cut Volume", "Fill Volume"}));
     compareCells(report->scg(), expected, 5);
     QVERIFY(report->scg().CellBold(6, 3));
     QVERIFY(report->scg().Redraw());
@@ -114,7 +108,7 @@ class TestFrmReport : public QObject {
     QFETCH(int, cols);
     SmallProject project;
     project.fixture.useExecutedLevel = executed;
-    const engine::MemoryReportGrid expected = project.expectedAreas(0.04f, executed);
+    const engine::MemoryReportGrid expected = project.expected(0.04f, executed);
     QVERIFY(expected.RowCount() > 2);
 
     std::unique_ptr<frmReport> report(
@@ -128,44 +122,31 @@ class TestFrmReport : public QObject {
     QCOMPARE(grid.HeaderHeight(), 65);
     const QStringList shown = headers(grid);
     QCOMPARE(shown.mid(0, 10),
-             (QStringList{QStringLiteral("Offset"), QStringLiteral("OGL"),
-                          QStringLiteral("Design Level"), QStringLiteral("Depth of Cut"),
-                          QStringLiteral("Depth of Fill"), QStringLiteral("Avg Depth of Cut"),
-                          QStringLiteral("Avg Depth of Fill"), QStringLiteral("Horiz Distance"),
-                          QStringLiteral("Cut Area"), QStringLiteral("Fill Area")}));
+             (QStringList{"Offset", "OGL", "Design Level", "Depth of Cut", "Depth of Fill",
+                          "Avg Depth of Cut", "Avg Depth of Fill", "Horiz Distance", "Cut Area",
+                          "Fill Area"}));
     for (int col = 10; col < cols; ++col) QCOMPARE(shown[col], QString());
     for (int col = 0; col < cols; ++col) QCOMPARE(grid.ColWidth(col), 60);
     compareCells(grid, expected, cols);
   }
 
-  void everyAreaCalculationOpensANewWindow() {
+  void reportsOpenNewWindowsThatHandRowHeadersToTheMainWindow() {
+    SheetsFixture empty(false);
+    QCOMPARE(sheets::modGridStyles::ShowQuantitySummary(empty.context()), nullptr);
+    QCOMPARE(sheets::modGridStyles::ShowAreaCalculation(empty.context(), 1.0f), nullptr);
+
     SmallProject project;
     const sheets::SheetContext context = project.fixture.context(true);
-
     std::unique_ptr<frmReport> first(sheets::modGridStyles::ShowAreaCalculation(context, 0.0f));
     std::unique_ptr<frmReport> second(sheets::modGridStyles::ShowAreaCalculation(context, 0.0f));
+    std::unique_ptr<frmReport> summary(sheets::modGridStyles::ShowQuantitySummary(context));
+    QVERIFY(first && second && summary);
+    QCOMPARE(project.fixture.mainWindow.shown,
+             (QList<QWidget*>{first.get(), second.get(), summary.get()}));
 
-    QVERIFY(first && second);
-    QVERIFY(first.get() != second.get());
-    QCOMPARE(project.fixture.mainWindow.shown, (QList<QWidget*>{first.get(), second.get()}));
-  }
-
-  void reportsNeedAnOpenProject() {
-    SheetsFixture fixture(false);
-    QCOMPARE(sheets::modGridStyles::ShowQuantitySummary(fixture.context()), nullptr);
-    QCOMPARE(sheets::modGridStyles::ShowAreaCalculation(fixture.context(), 1.0f), nullptr);
-  }
-
-  void doubleClickOnARowHeaderCallsTheMainWindow() {
-    SmallProject project;
-    std::unique_ptr<frmReport> report(
-        sheets::modGridStyles::ShowQuantitySummary(project.fixture.context(true)));
-    QVERIFY(report);
-
-    emit report->scg().doubleClicked(2, 1);   // a cell: nothing
-    emit report->scg().doubleClicked(-1, 0);  // a column header: nothing
-    emit report->scg().doubleClicked(2, -1);
-
+    emit summary->scg().doubleClicked(2, 1);   // a cell: nothing
+    emit summary->scg().doubleClicked(-1, 0);  // a column header: nothing
+    emit summary->scg().doubleClicked(2, -1);
     QCOMPARE(project.fixture.mainWindow.doubleClickedRows, QList<int>{2});
   }
 
