@@ -7,7 +7,6 @@
 
 #include <QCloseEvent>
 #include <QGuiApplication>
-#include <QMdiSubWindow>
 #include <QVBoxLayout>
 
 namespace sheets {
@@ -49,7 +48,10 @@ void scrollGridByWheel(GridControl& grid, int rotation) {
 }
 
 frmDataGrid::frmDataGrid(const SheetContext& context, QWidget* parent)
-    : QWidget(parent), m_context(context) {
+    : QWidget(parent),
+      m_context(context),
+      m_subWindowActivation(
+          this, [this] { activateSheet(); }, [this] { deactivateSheet(); }) {
   setObjectName(QStringLiteral("frmDataGrid"));
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
@@ -368,28 +370,6 @@ void frmDataGrid::closeEvent(QCloseEvent* event) {
   m_grid->DataSource(nullptr);
   m_resultSet->close();
   event->accept();
-}
-
-bool frmDataGrid::event(QEvent* event) {
-  if (event->type() == QEvent::ParentChange) watchSubWindow();
-  return QWidget::event(event);
-}
-
-// Follows the activation of the QMdiSubWindow that holds the sheet, so that the main window's
-// commands follow the active sheet without the main window knowing about grids.
-void frmDataGrid::watchSubWindow() {
-  auto* subWindow = qobject_cast<QMdiSubWindow*>(parentWidget());
-  if (subWindow == m_subWindow) return;
-  if (m_subWindow) disconnect(m_subWindow, nullptr, this, nullptr);
-  m_subWindow = subWindow;
-  if (!m_subWindow) return;
-  connect(m_subWindow, &QMdiSubWindow::windowStateChanged, this,
-          [this](Qt::WindowStates, Qt::WindowStates newState) {
-            if (newState & Qt::WindowActive)
-              activateSheet();
-            else
-              deactivateSheet();
-          });
 }
 
 }  // namespace sheets

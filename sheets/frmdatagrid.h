@@ -2,14 +2,13 @@
 
 #include "sheets/mousewheel.h"
 #include "sheets/sheetcontext.h"
+#include "sheets/subwindowactivation.h"
 
 #include <QString>
 #include <QWidget>
 
 #include <cstdint>
 #include <memory>
-
-class QMdiSubWindow;
 
 namespace db {
 class Connection;
@@ -99,21 +98,19 @@ class frmDataGrid : public QWidget, public WheelAware {
 
  protected:
   void closeEvent(QCloseEvent* event) override;
-  bool event(QEvent* event) override;
 
  private:
   QString resolvedQuery() const;
   void openResultSet();
   void bindGrid();
   bool writeRows(int onlyRow);
-  void watchSubWindow();
   void releaseMainWindow();
 
   SheetContext m_context;
   GridControl* m_grid = nullptr;
   std::unique_ptr<db::ResultSet> m_resultSet;
   std::unique_ptr<SheetEditing> m_editing;
-  QMdiSubWindow* m_subWindow = nullptr;
+  SubWindowActivation m_subWindowActivation;
   bool m_dirty = false;
   bool m_active = false;
 };

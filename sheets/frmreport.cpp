@@ -4,7 +4,6 @@
 #include "sheets/gridcontrol.h"
 
 #include <QCloseEvent>
-#include <QMdiSubWindow>
 #include <QVBoxLayout>
 
 namespace sheets {
@@ -29,7 +28,10 @@ class GridReportAdapter : public engine::ReportGrid {
 }  // namespace
 
 frmReport::frmReport(const SheetContext& context, QWidget* parent)
-    : QWidget(parent), m_context(context) {
+    : QWidget(parent),
+      m_context(context),
+      m_subWindowActivation(
+          this, [this] { activateReport(); }, [this] { deactivateReport(); }) {
   setObjectName(QStringLiteral("frmReport"));
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
@@ -66,26 +68,6 @@ void frmReport::deactivateReport() {
 void frmReport::closeEvent(QCloseEvent* event) {
   deactivateReport();
   event->accept();
-}
-
-bool frmReport::event(QEvent* event) {
-  if (event->type() == QEvent::ParentChange) watchSubWindow();
-  return QWidget::event(event);
-}
-
-void frmReport::watchSubWindow() {
-  auto* subWindow = qobject_cast<QMdiSubWindow*>(parentWidget());
-  if (subWindow == m_subWindow) return;
-  if (m_subWindow) disconnect(m_subWindow, nullptr, this, nullptr);
-  m_subWindow = subWindow;
-  if (!m_subWindow) return;
-  connect(m_subWindow, &QMdiSubWindow::windowStateChanged, this,
-          [this](Qt::WindowStates, Qt::WindowStates newState) {
-            if (newState & Qt::WindowActive)
-              activateReport();
-            else
-              deactivateReport();
-          });
 }
 
 }  // namespace sheets

@@ -3,13 +3,12 @@
 #include "engine/reportgrid.h"
 #include "sheets/mousewheel.h"
 #include "sheets/sheetcontext.h"
+#include "sheets/subwindowactivation.h"
 
 #include <QString>
 #include <QWidget>
 
 #include <memory>
-
-class QMdiSubWindow;
 
 namespace sheets {
 
@@ -40,16 +39,13 @@ class frmReport : public QWidget, public WheelAware {
   bool isActiveReport() const { return m_active; }
 
  protected:
-  bool event(QEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
 
  private:
-  void watchSubWindow();
-
   SheetContext m_context;
   GridControl* m_scg = nullptr;
   std::unique_ptr<engine::ReportGrid> m_reportGrid;
-  QMdiSubWindow* m_subWindow = nullptr;
+  SubWindowActivation m_subWindowActivation;
   bool m_active = false;
 };
 
