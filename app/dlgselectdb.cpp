@@ -30,21 +30,9 @@ dlgSelectDB::dlgSelectDB(const QString& folder, DesktopReporter& reporter, QWidg
   setObjectName(QStringLiteral("dlgSelectDB"));
   setWindowTitle(QStringLiteral("Select DB"));
 
-  auto* frame = new QFrame(this);
-  frame->setFrameShape(QFrame::Box);
-  auto* outer = new QVBoxLayout(this);
-  outer->setContentsMargins(0, 0, 0, 0);
-  outer->addWidget(frame);
-
-  m_wnTitle = new QLabel(QStringLiteral(" Select DB"), frame);
-  m_wnTitle->setObjectName(QStringLiteral("wnTitle"));
-  m_wnTitle->setAutoFillBackground(true);
-  QPalette captionColours = m_wnTitle->palette();
-  captionColours.setColor(QPalette::Window, captionColours.color(QPalette::Highlight));
-  captionColours.setColor(QPalette::WindowText, captionColours.color(QPalette::HighlightedText));
-  m_wnTitle->setPalette(captionColours);
-  m_wnTitle->setMinimumHeight(20);
-  new sheets::CaptionDrag(m_wnTitle);
+  QFrame* frame = sheets::addBoxFrame(this);
+  m_wnTitle =
+      sheets::newCaptionBar(QStringLiteral(" Select DB"), sheets::CaptionColours::Highlight, frame);
 
   m_file1 = new QListWidget(frame);
   m_file1->setObjectName(QStringLiteral("File1"));

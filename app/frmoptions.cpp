@@ -47,11 +47,7 @@ frmOptions::frmOptions(Settings& settings, std::function<void()> saveSettings, Q
   setStyleSheet(QStringLiteral("QDialog#frmOptions { border: 1px solid gray; }"));
 
   // Caption bar with its close label.
-  m_wnTitle = new QLabel(QStringLiteral(" Options"), this);
-  m_wnTitle->setObjectName(QStringLiteral("wnTitle"));
-  m_wnTitle->setStyleSheet(
-      QStringLiteral("QLabel { background: rgb(0, 0, 128); color: white; padding: 3px; }"));
-  new sheets::CaptionDrag(m_wnTitle);
+  m_wnTitle = sheets::newCaptionBar(QStringLiteral(" Options"), sheets::CaptionColours::Navy, this);
   m_wnExit = new QLabel(QStringLiteral(" X "), this);
   m_wnExit->setObjectName(QStringLiteral("wnExit"));
   m_wnExit->setAlignment(Qt::AlignCenter);

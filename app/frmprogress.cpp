@@ -16,21 +16,9 @@ frmProgress::frmProgress(QWidget* parent)
   setObjectName(QStringLiteral("frmProgress"));
   setAttribute(Qt::WA_QuitOnClose, false);
 
-  auto* frame = new QFrame(this);
-  frame->setFrameShape(QFrame::Box);
-  auto* outer = new QVBoxLayout(this);
-  outer->setContentsMargins(0, 0, 0, 0);
-  outer->addWidget(frame);
-
-  m_wnTitle = new QLabel(QStringLiteral("  Progress"), frame);
-  m_wnTitle->setObjectName(QStringLiteral("wnTitle"));
-  m_wnTitle->setAutoFillBackground(true);
-  QPalette captionColours = m_wnTitle->palette();
-  captionColours.setColor(QPalette::Window, captionColours.color(QPalette::Highlight));
-  captionColours.setColor(QPalette::WindowText, captionColours.color(QPalette::HighlightedText));
-  m_wnTitle->setPalette(captionColours);
-  m_wnTitle->setMinimumHeight(20);
-  new sheets::CaptionDrag(m_wnTitle);
+  QFrame* frame = sheets::addBoxFrame(this);
+  m_wnTitle =
+      sheets::newCaptionBar(QStringLiteral("  Progress"), sheets::CaptionColours::Highlight, frame);
 
   m_progressName = new QLabel(QStringLiteral("Task Progress"), frame);
   m_progressName->setObjectName(QStringLiteral("progressName"));

@@ -1,7 +1,10 @@
 #include "sheets/captiondrag.h"
 
 #include <QEvent>
+#include <QFrame>
+#include <QLabel>
 #include <QMouseEvent>
+#include <QVBoxLayout>
 #include <QWidget>
 
 #include <cmath>
@@ -56,6 +59,38 @@ bool CaptionDrag::eventFilter(QObject* watched, QEvent* event) {
       break;
   }
   return false;
+}
+
+QLabel* newCaptionBar(const QString& text, CaptionColours colours, QWidget* parent) {
+  auto* caption = new QLabel(text, parent);
+  caption->setObjectName(QStringLiteral("wnTitle"));
+  caption->setAutoFillBackground(true);
+  switch (colours) {
+    case CaptionColours::Highlight: {
+      QPalette captionColours = caption->palette();
+      captionColours.setColor(QPalette::Window, captionColours.color(QPalette::Highlight));
+      captionColours.setColor(QPalette::WindowText,
+                              captionColours.color(QPalette::HighlightedText));
+      caption->setPalette(captionColours);
+      caption->setMinimumHeight(20);
+      break;
+    }
+    case CaptionColours::Navy:
+      caption->setStyleSheet(
+          QStringLiteral("QLabel { background: rgb(0, 0, 128); color: white; padding: 3px; }"));
+      break;
+  }
+  new CaptionDrag(caption);
+  return caption;
+}
+
+QFrame* addBoxFrame(QWidget* window) {
+  auto* frame = new QFrame(window);
+  frame->setFrameShape(QFrame::Box);
+  auto* outer = new QVBoxLayout(window);
+  outer->setContentsMargins(0, 0, 0, 0);
+  outer->addWidget(frame);
+  return frame;
 }
 
 }  // namespace sheets

@@ -5,6 +5,9 @@
 
 #include <optional>
 
+class QFrame;
+class QLabel;
+class QString;
 class QWidget;
 
 namespace sheets {
@@ -39,5 +42,16 @@ class CaptionDrag : public QObject {
   QPointF m_anchorTwips;
   bool m_dragging = false;
 };
+
+// The colours of a caption bar: the system's highlight colours, or white on navy.
+enum class CaptionColours { Highlight, Navy };
+
+// The caption bar of a borderless dialog: a label named "wnTitle" showing text in the given
+// colours, which drags its window (see CaptionDrag). The caller places it in its layout.
+QLabel* newCaptionBar(const QString& text, CaptionColours colours, QWidget* parent);
+
+// The box frame of a borderless window: a QFrame filling the window, edge to edge; the window's
+// content goes inside it.
+QFrame* addBoxFrame(QWidget* window);
 
 }  // namespace sheets

@@ -18,12 +18,7 @@ dlgSelectTransform::dlgSelectTransform(QWidget* parent)
   setObjectName(QStringLiteral("dlgSelectTransform"));
   setWindowTitle(QStringLiteral("Transform Value"));
 
-  m_wnTitle = new QLabel(QStringLiteral("Transform Value"), this);
-  m_wnTitle->setObjectName(QStringLiteral("wnTitle"));
-  m_wnTitle->setAutoFillBackground(true);
-  m_wnTitle->setStyleSheet(
-      QStringLiteral("QLabel { background: rgb(0, 0, 128); color: white; padding: 3px; }"));
-  new CaptionDrag(m_wnTitle);
+  m_wnTitle = newCaptionBar(QStringLiteral("Transform Value"), CaptionColours::Navy, this);
 
   auto* label1 = new QLabel(QStringLiteral("Transformation : "), this);
   label1->setObjectName(QStringLiteral("Label1"));
