@@ -1,5 +1,6 @@
 #include "cli/command.h"
 #include "cli/json.h"
+#include "cli/session.h"
 #include "db/connection.h"
 #include "db/numbers.h"
 #include "engine/designlevels.h"
@@ -8,37 +9,20 @@
 #include "engine/session.h"
 #include "engine/validation.h"
 
-#include <cmath>
 #include <memory>
 
 namespace cli {
 
 namespace {
 
-const QString kSection = QStringLiteral("section");
-const QString kChainage = QStringLiteral("chainage");
-const QString kJson = QStringLiteral("json");
 const QString kQuiet = QStringLiteral("quiet");
-
-void addFileAndSection(QCommandLineParser& parser) {
-  parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The project file."));
-  parser.addOption(
-      {kSection, QStringLiteral("The section to work on (its ID)."), QStringLiteral("ID")});
-}
 
 void addChainage(QCommandLineParser& parser, const QString& description) {
   parser.addOption({kChainage, description, QStringLiteral("C")});
 }
 
-void addJson(QCommandLineParser& parser) {
-  parser.addOption({kJson, QStringLiteral("Write the result as one JSON object.")});
-}
-
 // An open project with an engine session on the chosen section and the design profile loaded.
-struct Run {
-  std::unique_ptr<db::Connection> connection;
-  std::unique_ptr<ConsoleReporter> reporter;
-  std::unique_ptr<engine::EngineSession> session;
+struct Run : ProjectSession<> {
   std::int32_t sectionId = 0;
   float chainage = -1;
 };
@@ -47,47 +31,27 @@ struct Run {
 // on, or -1 when run is ready. chainageRequired: --chainage must be given; otherwise it is
 // optional and defaults to -1.
 int start(Context& context, Run& run, bool chainageRequired, bool takesChainage) {
-  const QStringList files = context.parser.positionalArguments();
-  if (files.size() != 1) return usageError(context, QStringLiteral("give exactly one FILE."));
-  if (!context.parser.isSet(kSection))
-    return usageError(context, QStringLiteral("give the section with --section ID."));
-  const auto section = parseKey(context.parser.value(kSection));
-  if (!section || *section <= 0)
-    return usageError(context, QStringLiteral("--section needs a positive whole number, not '") +
-                                   context.parser.value(kSection) + QStringLiteral("'."));
+  int code = -1;
+  const auto file = fileArgument(context, code);
+  if (!file) return code;
+  const auto section = sectionOption(context, code);
+  if (!section) return code;
   run.sectionId = *section;
   if (takesChainage && context.parser.isSet(kChainage)) {
-    const auto chainage = parseMeasure(context.parser.value(kChainage));
-    if (!chainage || !std::isfinite(*chainage))
-      return usageError(context, QStringLiteral("--chainage needs a number in kilometres, not '") +
-                                     context.parser.value(kChainage) + QStringLiteral("'."));
+    const auto chainage = chainageOption(context, -1.0f, code);
+    if (!chainage) return code;
     run.chainage = *chainage;
   } else if (chainageRequired) {
     return usageError(context, QStringLiteral("give the chainage with --chainage C."));
   }
 
-  run.connection = openProjectOrReport(context, files.first());
-  if (!run.connection) return kCannotOpen;
-  run.reporter = std::make_unique<ConsoleReporter>(context.err);
-  run.session = std::make_unique<engine::EngineSession>(*run.connection, *run.reporter);
-  if (run.session->LoadDesignProfile()) return kCannotOpen;
-  run.session->setSection(run.sectionId);
+  if (int failed = run.open(context, *file, true); failed >= 0) return failed;
+  run.engine->setSection(run.sectionId);
   return -1;
 }
 
 int finish(const Run& run, bool dataProblems) {
   return dataProblems || !run.reporter->errors().isEmpty() ? kDataProblems : kOk;
-}
-
-// Runs body, turning a database failure into a message naming the file and exit code 3.
-template <typename Body>
-int guarded(Context& context, Run& run, Body body) {
-  try {
-    return body();
-  } catch (const db::Error& e) {
-    context.err << run.connection->path() << ": " << e.message() << "\n";
-    return kCannotOpen;
-  }
 }
 
 void designLevelOptions(QCommandLineParser& parser) {
@@ -101,9 +65,9 @@ void designLevelOptions(QCommandLineParser& parser) {
 int designLevel(Context& context) {
   Run run;
   if (int code = start(context, run, true, true); code >= 0) return code;
-  return guarded(context, run, [&] {
+  return run.guarded(context, [&] {
     bool interpolated = false;
-    const float level = engine::DesignLevelAt(*run.session, run.chainage, interpolated,
+    const float level = engine::DesignLevelAt(*run.engine, run.chainage, interpolated,
                                               context.parser.isSet(kQuiet));
     if (context.parser.isSet(kJson)) {
       writeJson(context.out, {{QStringLiteral("chainage"), jsonNumber(run.chainage)},
@@ -134,8 +98,8 @@ QJsonArray jsonPoints(const std::vector<engine::DesignPoint>& points, int count)
 int designSection(Context& context) {
   Run run;
   if (int code = start(context, run, true, true); code >= 0) return code;
-  return guarded(context, run, [&] {
-    engine::EngineSession& session = *run.session;
+  return run.guarded(context, [&] {
+    engine::EngineSession& session = *run.engine;
     engine::ResetDesignCache(session);
     bool interpolated = false;
     const float centreLevel = engine::DesignLevelAt(session, run.chainage, interpolated, false);
@@ -175,8 +139,8 @@ void validateOptions(QCommandLineParser& parser) {
 int validate(Context& context) {
   Run run;
   if (int code = start(context, run, false, true); code >= 0) return code;
-  return guarded(context, run, [&] {
-    const bool bad = engine::ValidateLevels(*run.session, run.chainage);
+  return run.guarded(context, [&] {
+    const bool bad = engine::ValidateLevels(*run.engine, run.chainage);
     if (context.parser.isSet(kJson)) {
       writeJson(context.out, {{QStringLiteral("bad"), bad},
                               {QStringLiteral("errors"), jsonLines(run.reporter->errors())}});
@@ -193,8 +157,8 @@ int validate(Context& context) {
 int orderInitial(Context& context) {
   Run run;
   if (int code = start(context, run, false, false); code >= 0) return code;
-  return guarded(context, run, [&] {
-    engine::FormatInitialTable(*run.session);
+  return run.guarded(context, [&] {
+    engine::FormatInitialTable(*run.engine);
     context.out << "Formatted the Initial table and checked the levels of section " << run.sectionId
                 << ".\n";
     return finish(run, false);
@@ -204,8 +168,8 @@ int orderInitial(Context& context) {
 int syncChainages(Context& context) {
   Run run;
   if (int code = start(context, run, false, false); code >= 0) return code;
-  return guarded(context, run, [&] {
-    engine::SyncQuantityChainages(*run.session);
+  return run.guarded(context, [&] {
+    engine::SyncQuantityChainages(*run.engine);
     db::Statement rows =
         run.connection->prepare(QStringLiteral("SELECT count(*) FROM DesignQty WHERE SectionID=?"),
                                 QStringLiteral("Counting the quantity chainages"));

@@ -1,5 +1,5 @@
 #include "cli/command.h"
-#include "db/connection.h"
+#include "cli/session.h"
 #include "engine/quantityexport.h"
 #include "engine/session.h"
 
@@ -12,14 +12,10 @@ namespace cli {
 
 namespace {
 
-const QString kSection = QStringLiteral("section");
 const QString kOutput = QStringLiteral("output");
-const QString kExecuted = QStringLiteral("executed");
 
 void exportOptions(QCommandLineParser& parser) {
-  parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The project file."));
-  parser.addOption(
-      {kSection, QStringLiteral("The section to export (its ID)."), QStringLiteral("ID")});
+  addFileAndSection(parser, QStringLiteral("The section to export (its ID)."));
   parser.addOption({kOutput,
                     QStringLiteral("The file to write: a workbook (.xlsx) or comma-separated "
                                    "text (.csv)."),
@@ -30,14 +26,11 @@ void exportOptions(QCommandLineParser& parser) {
 // Exit codes: 0 written, 1 invalid levels stopped the run (nothing written), 2 usage, 3 the
 // project cannot be opened or the output cannot be written.
 int exportQuantity(Context& context) {
-  const QStringList files = context.parser.positionalArguments();
-  if (files.size() != 1) return usageError(context, QStringLiteral("give exactly one FILE."));
-  if (!context.parser.isSet(kSection))
-    return usageError(context, QStringLiteral("give the section with --section ID."));
-  const auto section = parseKey(context.parser.value(kSection));
-  if (!section || *section <= 0)
-    return usageError(context, QStringLiteral("--section needs a positive whole number, not '") +
-                                   context.parser.value(kSection) + QStringLiteral("'."));
+  int code = -1;
+  const auto file = fileArgument(context, code);
+  if (!file) return code;
+  const auto section = sectionOption(context, code);
+  if (!section) return code;
   if (!context.parser.isSet(kOutput) || context.parser.value(kOutput).isEmpty())
     return usageError(context, QStringLiteral("give the file to write with --output OUT."));
   const QString output = context.parser.value(kOutput);
@@ -46,11 +39,10 @@ int exportQuantity(Context& context) {
     return usageError(context, QStringLiteral("--output must end in .xlsx or .csv, not '") +
                                    output + QStringLiteral("'."));
 
-  std::unique_ptr<db::Connection> connection = openProjectOrReport(context, files.first());
-  if (!connection) return kCannotOpen;
-  ConsoleReporter reporter(context.err);
-  engine::EngineSession session(*connection, reporter);
-  try {
+  ProjectSession<> project;
+  if (int failed = project.open(context, *file, false); failed >= 0) return failed;
+  engine::EngineSession& session = *project.engine;
+  return project.guarded(context, [&]() -> int {
     if (!engine::SectionExists(session, *section))
       return usageError(context, QStringLiteral("the project has no section ") +
                                      QString::number(*section) + QLatin1Char('.'));
@@ -75,10 +67,7 @@ int exportQuantity(Context& context) {
     context.out << "Wrote the quantity sheet of section " << *section << " (" << result.rowCount
                 << " chainages) to " << QDir::toNativeSeparators(output) << ".\n";
     return kOk;
-  } catch (const db::Error& e) {
-    context.err << connection->path() << ": " << e.message() << "\n";
-    return kCannotOpen;
-  }
+  });
 }
 
 }  // namespace

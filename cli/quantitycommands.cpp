@@ -1,5 +1,6 @@
 #include "cli/command.h"
 #include "cli/json.h"
+#include "cli/session.h"
 #include "db/connection.h"
 #include "db/numbers.h"
 #include "engine/areas.h"
@@ -7,7 +8,6 @@
 #include "engine/quantities.h"
 #include "engine/session.h"
 
-#include <cmath>
 #include <map>
 #include <memory>
 #include <vector>
@@ -16,10 +16,6 @@ namespace cli {
 
 namespace {
 
-const QString kSection = QStringLiteral("section");
-const QString kChainage = QStringLiteral("chainage");
-const QString kExecuted = QStringLiteral("executed");
-const QString kJson = QStringLiteral("json");
 const QString kCsv = QStringLiteral("csv");
 const QString kAll = QStringLiteral("all");
 
@@ -38,70 +34,23 @@ class QuantityReporter : public ConsoleReporter {
 };
 
 // An open project with an engine session and its design profile.
-struct Session {
-  std::unique_ptr<db::Connection> connection;
-  std::unique_ptr<QuantityReporter> reporter;
-  std::unique_ptr<engine::EngineSession> engine;
-};
+using Session = ProjectSession<QuantityReporter>;
 
 // Opens FILE and loads the design profile; returns the exit code when that fails, else -1.
 int open(Context& context, Session& s) {
-  const QStringList files = context.parser.positionalArguments();
-  if (files.size() != 1) return usageError(context, QStringLiteral("give exactly one FILE."));
-  s.connection = openProjectOrReport(context, files.first());
-  if (!s.connection) return kCannotOpen;
-  s.reporter = std::make_unique<QuantityReporter>(context.err);
-  s.engine = std::make_unique<engine::EngineSession>(*s.connection, *s.reporter);
-  if (s.engine->LoadDesignProfile()) return kCannotOpen;
+  int code = -1;
+  const auto file = fileArgument(context, code);
+  if (!file) return code;
+  if (int failed = s.open(context, *file, true); failed >= 0) return failed;
   s.engine->setUseExecutedLevel(context.parser.isSet(kExecuted));
   return -1;
 }
 
-// The section of --section; nullopt (after the usage message) when missing or bad.
-std::optional<std::int32_t> sectionOption(Context& context, int& code) {
-  if (!context.parser.isSet(kSection)) {
-    code = usageError(context, QStringLiteral("give the section with --section ID."));
-    return std::nullopt;
-  }
-  const auto section = parseKey(context.parser.value(kSection));
-  if (!section || *section <= 0) {
-    code = usageError(context, QStringLiteral("--section needs a positive whole number, not '") +
-                                   context.parser.value(kSection) + QStringLiteral("'."));
-    return std::nullopt;
-  }
-  return section;
-}
-
-// The chainage of --chainage, or fallback when it is not given; nullopt on bad text.
-std::optional<float> chainageOption(Context& context, float fallback, int& code) {
-  if (!context.parser.isSet(kChainage)) return fallback;
-  const auto chainage = parseMeasure(context.parser.value(kChainage));
-  if (!chainage || !std::isfinite(*chainage)) {
-    code = usageError(context, QStringLiteral("--chainage needs a number in kilometres, not '") +
-                                   context.parser.value(kChainage) + QStringLiteral("'."));
-    return std::nullopt;
-  }
-  return chainage;
-}
-
-// Runs body, turning a database failure into a message naming the file and exit code 3.
-template <typename Body>
-int guarded(Context& context, Session& s, Body body) {
-  try {
-    return body();
-  } catch (const db::Error& e) {
-    context.err << s.connection->path() << ": " << e.message() << "\n";
-    return kCannotOpen;
-  }
-}
-
 void addCommon(QCommandLineParser& parser) {
-  parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The project file."));
-  parser.addOption(
-      {kSection, QStringLiteral("The section to work on (its ID)."), QStringLiteral("ID")});
+  addFileAndSection(parser);
   parser.addOption({kExecuted, QStringLiteral("Carry the executed levels along, as the main "
                                               "window's 'use executed levels' switch does.")});
-  parser.addOption({kJson, QStringLiteral("Write the result as one JSON object.")});
+  addJson(parser);
 }
 
 QString tabbed(const QStringList& cells) { return cells.join(QLatin1Char('\t')); }
@@ -123,7 +72,7 @@ int areas(Context& context) {
   if (!chainage) return code;
   Session s;
   if (int failed = open(context, s); failed >= 0) return failed;
-  return guarded(context, s, [&] {
+  return s.guarded(context, [&] {
     engine::EngineSession& session = *s.engine;
     session.setSection(*section);
     engine::ResetDesignCache(session);
@@ -307,7 +256,7 @@ int quantities(Context& context) {
   if (!chainage) return code;
   Session s;
   if (int failed = open(context, s); failed >= 0) return failed;
-  return guarded(context, s, [&] {
+  return s.guarded(context, [&] {
     return all ? allSections(context, s) : oneSection(context, s, *section, *chainage);
   });
 }
