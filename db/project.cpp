@@ -142,30 +142,29 @@ void writeSection(Connection& c, std::int32_t sectionId, const SectionPlan& plan
                               [](double a, double b) { return std::fabs(a - b) < 0.25; }),
                   offsets.end());
 
+    // One row of Initial or Executed at this chainage.
+    const auto writeLevel = [&](Statement& insert, float off, double level) {
+      insert.bindMeasure(1, chainage)
+          .bindMeasure(2, off)
+          .bindMeasure(3, round3(level))
+          .bindKey(4, sectionId);
+      insert.run();
+      insert.reset();
+    };
     const Details& d = detailsAt(plan.details, chainage);
     const bool withExecuted = chainage <= plan.executedToKm + 1e-6;
     for (double offset : offsets) {
       const float off = offset == 0.0 ? 0.0f : static_cast<float>(std::round(offset * 10.0) / 10.0);
       const double ground = bed + along + crossFall * off +
                             0.15 * std::sin(off * 0.7 + chainage * 40.0) + rng.between(-0.05, 0.05);
-      initial.bindMeasure(1, chainage)
-          .bindMeasure(2, off)
-          .bindMeasure(3, round3(ground))
-          .bindKey(4, sectionId);
-      initial.run();
-      initial.reset();
+      writeLevel(initial, off, ground);
       if (withExecuted) {
         const double finished = designSurfaceAt(d, bed, off);
         // Outside the works the ground is untouched.
         const double level = std::fabs(finished - ground) < 1e-9 || finished < ground - 3.0
                                  ? ground
                                  : finished + rng.between(-0.04, 0.04);
-        executed.bindMeasure(1, chainage)
-            .bindMeasure(2, off)
-            .bindMeasure(3, round3(level))
-            .bindKey(4, sectionId);
-        executed.run();
-        executed.reset();
+        writeLevel(executed, off, level);
       }
     }
     qty.bindKey(1, sectionId).bindMeasure(2, chainage);
