@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <clocale>
-#include <vector>
+#include <span>
 
 namespace {
 
@@ -14,10 +14,83 @@ struct EvalCase {
   float value;
 };
 
-void expectValues(engine::modVariables& vars, const std::vector<EvalCase>& cases) {
+// Evaluates each formula with CL=100, SRS_RIGHT=2.5, BIG=12345678, TINY=0.00001 and ONE=1 set.
+void expectValues(std::span<const EvalCase> cases) {
+  engine::modVariables vars;
+  for (const auto& [name, value] : {std::pair{"CL", 100.0f},
+                                    {"SRS_RIGHT", 2.5f},
+                                    {"BIG", 12345678.0f},
+                                    {"TINY", 0.00001f},
+                                    {"ONE", 1.0f}})
+    vars.SetFormulaVariable(QString::fromLatin1(name), value);
   for (const EvalCase& c : cases)
     EXPECT_FLOAT_EQ(vars.EvaluateFormula(QString::fromUtf8(c.formula)), c.value)
         << "formula: " << c.formula;
+}
+
+// + before #, / before *, % before *, ^ first.
+TEST(EvaluateFormula, ReducesOperatorsInTheFixedOrderNotByArithmeticPrecedence) {
+  const EvalCase cases[] = {{"2+3*4", 14}, {"(2+3)*4", 20}, {"-(2)", -2},  {"2+3.4#0", 5},
+                            {"6/2*3", 9},  {"2*3^2", 18},   {"2^2*3", 12}, {"3*2/4", 1.5f},
+                            {"8-6/2", 5},  {"7%3*2", 2},    {"2*7%3", 2}};
+  expectValues(cases);
+}
+
+// 100/10/5/2 is 100/(10/(5/2)); the right operand of - stops at +.
+TEST(EvaluateFormula, ChainsGroupToTheRight) {
+  const EvalCase cases[] = {{"2^3^2", 512}, {"8/4/2", 4},       {"10-2-3", 11}, {"1-2-3-4", 0},
+                            {"7%4%3", 0},   {"100/10/5/2", 25}, {"10-2+3", 11}, {"2*3*4", 24}};
+  expectValues(cases);
+}
+
+// -2^2 is 4: the sign is part of the operand.
+TEST(EvaluateFormula, LeadingAndRepeatedSignsBelongToTheNumbers) {
+  const EvalCase cases[] = {{"-5-3", -8}, {"2*-3", -6}, {"2^-1", 0.5f}, {"-2^2", 4},
+                            {"3--2", 5},  {"3+-2", 1},  {"3-+2", 1},    {"3---2", 1},
+                            {"--5", 5},   {"+5", 5},    {"-8/-2", 4}};
+  expectValues(cases);
+}
+
+// A group stops the right grouping.
+TEST(EvaluateFormula, ReducesTheInnermostGroupFirst) {
+  const EvalCase cases[] = {{"(1+(2*3))", 7}, {"2*(3+(4*(5-1)))", 38}, {"(10-2)-3", 5},
+                            {"10-(2-3)", 11}, {"(8/4)/2", 1},          {"((((7))))", 7},
+                            {"-(2-5)", 3}};
+  expectValues(cases);
+}
+
+// # rounds half to even on decimal halves (2.675 is below its half in binary); fractional
+// places round to whole ones, and % rounds its operands and keeps the sign of the first.
+TEST(EvaluateFormula, RoundsHalvesToEven) {
+  const EvalCase cases[] = {
+      {"10.567#2", 10.57f},  {"2.5#0", 2},        {"3.5#0", 4},        {"-2.5#0", -2},
+      {"0.125#2", 0.12f},    {"2.675#2", 2.68f},  {"0.1251#2", 0.13f}, {"9.995#2", 10},
+      {"1.2345#9", 1.2345f}, {"1.25#1.5", 1.25f}, {"1.35#0.5", 1},     {"-7%4", -3},
+      {"7%-4", 3},           {"7.6%4", 0},        {"6.5%4", 2},        {"7%2.5", 1}};
+  expectValues(cases);
+}
+
+// The whole formula fails, not just the operation; results needing an exponent (1E+15,
+// 1E-05), in the arithmetic or in a variable's text, fail too, while a missing operand reads
+// as 0.
+TEST(EvaluateFormula, FailedFormulasYieldZero) {
+  const EvalCase cases[] = {
+      {"3*$NOSUCH", 0},     {"1E3", 0},        {"1e3", 0},      {"2+e", 0},        {"", 0},
+      {"abc", 0},           {"$CL+", 100},     {"1/0+5", 0},    {"2*(1/0)", 0},    {"5%0.4", 0},
+      {"2#-1", 0},          {"(-8)^0.5", 0},   {"0^-1", 0},     {"10^400", 0},     {"1/100000", 0},
+      {"$NOSUCH-1+2*3", 0}, {"(1", 0},         {"2+(1", 0},     {"1+(2+(3+(4", 0}, {"2)", 0},
+      {"$BIG+$ONE", 0},     {"$TINY+$ONE", 0}, {"$ONE+$ONE", 2}};
+  const EvalCase longCases[] = {{"1000000*1000000000", 0}, {"((((((((((((((((((((1", 0}};
+  expectValues(cases);
+  expectValues(longCases);
+}
+
+// One character after the last operand is dropped, and so is a first one in front of the left
+// operand; an empty group leaves nothing, or the last group reduced before it; "1..2" reads 1.
+TEST(EvaluateFormula, FollowsTheRewritingRulesOnOddTexts) {
+  const EvalCase cases[] = {{"2*3)", 6},   {"a2*3", 6},  {"2*()", 0}, {"()+(3)", 6}, {"(3)+()", 3},
+                            {"1..2+1", 2}, {".5+.5", 1}, {"5.", 5},   {"-.5", -0.5f}};
+  expectValues(cases);
 }
 
 struct TextCase {
@@ -25,149 +98,24 @@ struct TextCase {
   const char* reduced;
 };
 
-void expectReduced(const std::vector<TextCase>& cases) {
-  for (const TextCase& c : cases) {
+TEST(EvaluateFormula, AnIntermediateResultKeepsFifteenDigits) {
+  const TextCase cases[] = {{"1/3", "0.333333333333333"},
+                            {"2/3", "0.666666666666667"},
+                            {"10/4", "2.5"},
+                            {"0.1+0.2", "0.3"},
+                            {"1/10000", "0.0001"},
+                            {"1-1", "0"},
+                            {"0*-1", "0"},
+                            {"2.675#2", "2.68"},
+                            {"100000*1000000000", "100000000000000"},
+                            {"123456789012%1000000", "789012"},
+                            {"1+1/0", ""}};  // failed arithmetic leaves nothing
+  for (const auto& c : cases) {
     engine::modVariables vars;
     QString s = QString::fromUtf8(c.text);
     EXPECT_EQ(vars.ReduceFormulaText(s), QString::fromUtf8(c.reduced)) << "text: " << c.text;
     EXPECT_EQ(s, QString::fromUtf8(c.reduced)) << "text: " << c.text;
   }
-}
-
-// + before #, / before *, % before *, ^ first.
-TEST(EvaluateFormula, ReducesOperatorsInTheFixedOrderNotByArithmeticPrecedence) {
-  engine::modVariables vars;
-  expectValues(vars, {{"2+3*4", 14},
-                      {"(2+3)*4", 20},
-                      {"-(2)", -2},
-                      {"2+3.4#0", 5},
-                      {"6/2*3", 9},
-                      {"2*3^2", 18},
-                      {"2^2*3", 12},
-                      {"3*2/4", 1.5f},
-                      {"8-6/2", 5},
-                      {"7%3*2", 2},
-                      {"2*7%3", 2}});
-}
-
-// 100/10/5/2 is 100/(10/(5/2)); the right operand of - stops at +.
-TEST(EvaluateFormula, ChainsGroupToTheRight) {
-  engine::modVariables vars;
-  expectValues(vars, {{"2^3^2", 512},
-                      {"8/4/2", 4},
-                      {"10-2-3", 11},
-                      {"1-2-3-4", 0},
-                      {"7%4%3", 0},
-                      {"100/10/5/2", 25},
-                      {"10-2+3", 11},
-                      {"2*3*4", 24}});
-}
-
-// -2^2 is 4: the sign is part of the operand.
-TEST(EvaluateFormula, LeadingAndRepeatedSignsBelongToTheNumbers) {
-  engine::modVariables vars;
-  expectValues(vars, {{"-5-3", -8},
-                      {"2*-3", -6},
-                      {"2^-1", 0.5f},
-                      {"-2^2", 4},
-                      {"3--2", 5},
-                      {"3+-2", 1},
-                      {"3-+2", 1},
-                      {"3---2", 1},
-                      {"--5", 5},
-                      {"+5", 5},
-                      {"-8/-2", 4}});
-}
-
-// A group stops the right grouping.
-TEST(EvaluateFormula, ReducesTheInnermostGroupFirst) {
-  engine::modVariables vars;
-  expectValues(vars, {{"(1+(2*3))", 7},
-                      {"2*(3+(4*(5-1)))", 38},
-                      {"(10-2)-3", 5},
-                      {"10-(2-3)", 11},
-                      {"(8/4)/2", 1},
-                      {"((((7))))", 7},
-                      {"-(2-5)", 3}});
-}
-
-// # rounds half to even on decimal halves (2.675 is below its half in binary); fractional
-// places round to whole ones, and % rounds its operands and keeps the sign of the first.
-TEST(EvaluateFormula, RoundsHalvesToEven) {
-  engine::modVariables vars;
-  expectValues(vars, {{"10.567#2", 10.57f},
-                      {"2.5#0", 2},
-                      {"3.5#0", 4},
-                      {"-2.5#0", -2},
-                      {"0.125#2", 0.12f},
-                      {"2.675#2", 2.68f},
-                      {"0.1251#2", 0.13f},
-                      {"9.995#2", 10},
-                      {"1.2345#9", 1.2345f},
-                      {"1.25#1.5", 1.25f},
-                      {"1.35#0.5", 1},
-                      {"-7%4", -3},
-                      {"7%-4", 3},
-                      {"7.6%4", 0},
-                      {"6.5%4", 2},
-                      {"7%2.5", 1}});
-}
-
-// The whole formula fails, not just the operation; results needing an exponent (1E+15,
-// 1E-05) fail too, while a missing operand reads as 0.
-TEST(EvaluateFormula, FailedFormulasYieldZero) {
-  engine::modVariables vars;
-  vars.SetFormulaVariable(QStringLiteral("CL"), 100);
-  expectValues(vars, {{"3*$NOSUCH", 0},
-                      {"1E3", 0},
-                      {"1e3", 0},
-                      {"2+e", 0},
-                      {"", 0},
-                      {"abc", 0},
-                      {"$CL+", 100},
-                      {"1/0+5", 0},
-                      {"2*(1/0)", 0},
-                      {"5%0.4", 0},
-                      {"2#-1", 0},
-                      {"(-8)^0.5", 0},
-                      {"0^-1", 0},
-                      {"10^400", 0},
-                      {"1000000*1000000000", 0},
-                      {"1/100000", 0},
-                      {"$NOSUCH-1+2*3", 0},
-                      {"(1", 0},
-                      {"2+(1", 0},
-                      {"1+(2+(3+(4", 0},
-                      {"2)", 0},
-                      {"((((((((((((((((((((1", 0}});
-}
-
-// One character after the last operand is dropped, and so is a first one in front of the left
-// operand; an empty group leaves nothing, or the last group reduced before it; "1..2" reads 1.
-TEST(EvaluateFormula, FollowsTheRewritingRulesOnOddTexts) {
-  engine::modVariables vars;
-  expectValues(vars, {{"2*3)", 6},
-                      {"a2*3", 6},
-                      {"2*()", 0},
-                      {"()+(3)", 6},
-                      {"(3)+()", 3},
-                      {"1..2+1", 2},
-                      {".5+.5", 1},
-                      {"5.", 5},
-                      {"-.5", -0.5f}});
-}
-
-TEST(EvaluateFormula, AnIntermediateResultKeepsFifteenDigits) {
-  expectReduced({{"1/3", "0.333333333333333"},
-                 {"2/3", "0.666666666666667"},
-                 {"10/4", "2.5"},
-                 {"0.1+0.2", "0.3"},
-                 {"100000*1000000000", "100000000000000"},
-                 {"1/10000", "0.0001"},
-                 {"1-1", "0"},
-                 {"0*-1", "0"},
-                 {"123456789012%1000000", "789012"},
-                 {"2.675#2", "2.68"}});
 }
 
 TEST(EvaluateFormula, ReduceRefusesOnceTheStepCounterIsSpent) {
@@ -178,13 +126,6 @@ TEST(EvaluateFormula, ReduceRefusesOnceTheStepCounterIsSpent) {
   EXPECT_EQ(vars.ReduceFormulaText(s), QString());
   EXPECT_EQ(s, QStringLiteral("1+1"));
   EXPECT_FLOAT_EQ(vars.EvaluateFormula(QStringLiteral("1+1")), 2);  // a new evaluation starts over
-}
-
-TEST(EvaluateFormula, ReduceLeavesNothingWhenTheArithmeticFails) {
-  engine::modVariables vars;
-  QString s = QStringLiteral("1+1/0");
-  EXPECT_EQ(vars.ReduceFormulaText(s), QString());
-  EXPECT_TRUE(s.isEmpty());
 }
 
 TEST(FormulaVariables, ValuesAreWrittenWithUpToSevenDigits) {
@@ -208,16 +149,6 @@ TEST(FormulaVariables, ValuesAreWrittenWithUpToSevenDigits) {
   }
 }
 
-TEST(FormulaVariables, ValuesNeedingAnExponentMakeFormulasFail) {
-  engine::modVariables vars;
-  vars.SetFormulaVariable(QStringLiteral("BIG"), 12345678.0f);
-  vars.SetFormulaVariable(QStringLiteral("TINY"), 0.00001f);
-  vars.SetFormulaVariable(QStringLiteral("ONE"), 1.0f);
-  EXPECT_EQ(vars.EvaluateFormula(QStringLiteral("$BIG+$ONE")), 0.0f);
-  EXPECT_EQ(vars.EvaluateFormula(QStringLiteral("$TINY+$ONE")), 0.0f);
-  EXPECT_EQ(vars.EvaluateFormula(QStringLiteral("$ONE+$ONE")), 2.0f);
-}
-
 TEST(FormulaVariables, NumberTextsIgnoreTheLocale) {
   const char* previous = std::setlocale(LC_NUMERIC, nullptr);
   const std::string saved = previous ? previous : "C";
@@ -234,17 +165,17 @@ TEST(FormulaVariables, NumberTextsIgnoreTheLocale) {
   vars.ReduceFormulaText(reduced);
   const float value = vars.EvaluateFormula(QStringLiteral("$X+0.25"));
   std::setlocale(LC_NUMERIC, saved.c_str());
-  EXPECT_EQ(text, QStringLiteral("2.5"));
-  EXPECT_EQ(reduced, QStringLiteral("0.25"));
+  EXPECT_EQ(text + QLatin1Char('|') + reduced, QStringLiteral("2.5|0.25"));
   EXPECT_FLOAT_EQ(value, 2.75f);
   if (!switched) GTEST_SKIP() << "no comma-decimal locale installed; checked in the C locale";
 }
 
 TEST(FormulaVariables, NamesMatchWithoutRegardToCase) {
+  const EvalCase cases[] = {
+      {"$cl+1", 101}, {"$Cl+1", 101}, {"$SRS_Right", 2.5f}, {"$srs_right", 2.5f}};
+  expectValues(cases);
   engine::modVariables vars;
-  vars.SetFormulaVariable(QStringLiteral("CL"), 100);
   vars.SetFormulaVariable(QStringLiteral("SRS_RIGHT"), 2.5f);
-  expectValues(vars, {{"$cl+1", 101}, {"$Cl+1", 101}, {"$SRS_Right", 2.5f}, {"$srs_right", 2.5f}});
   EXPECT_EQ(vars.SubstituteFormulaVariables(QStringLiteral("$SRS_Right*2")),
             QStringLiteral("2.5*2"));
 }
@@ -255,37 +186,27 @@ TEST(FormulaVariables, LongerNamesAreReplacedFirstWhateverTheSetOrder) {
     if (shortFirst) vars.SetFormulaVariable(QStringLiteral("LP"), 1);
     vars.SetFormulaVariable(QStringLiteral("LP_Off"), 5);
     if (!shortFirst) vars.SetFormulaVariable(QStringLiteral("LP"), 1);
-    EXPECT_FLOAT_EQ(vars.EvaluateFormula(QStringLiteral("$LP_Off")), 5) << shortFirst;
     EXPECT_FLOAT_EQ(vars.EvaluateFormula(QStringLiteral("$LP+$LP_Off")), 6) << shortFirst;
     EXPECT_EQ(vars.SubstituteFormulaVariables(QStringLiteral("$LP_Off-$LP")),
               QStringLiteral("5-1"));
-    ASSERT_EQ(vars.variables().size(), 2u);
-    EXPECT_EQ(vars.variables()[0].Name, QStringLiteral("LP_Off"));
   }
 }
 
-TEST(FormulaVariables, TableIsOrderedByNameLengthThenBySetOrder) {
-  engine::modVariables vars;
-  for (const char* name : {"B", "CCC", "A", "DD", "EEE", "FF"})
-    vars.SetFormulaVariable(QString::fromLatin1(name), 1);
-  QStringList names;
-  for (const engine::FormulaVariable& v : vars.variables()) names << v.Name;
-  EXPECT_EQ(names, QStringList({QStringLiteral("CCC"), QStringLiteral("EEE"), QStringLiteral("DD"),
-                                QStringLiteral("FF"), QStringLiteral("B"), QStringLiteral("A")}));
+QStringList names(const engine::modVariables& vars) {
+  QStringList out;
+  for (const engine::FormulaVariable& v : vars.variables()) out << v.Name;
+  return out;
 }
 
-TEST(FormulaVariables, SettingANameAgainKeepsCountAndOrder) {
+// Setting a name again keeps its place and takes the new value.
+TEST(FormulaVariables, TableIsOrderedByNameLengthThenBySetOrder) {
   engine::modVariables vars;
-  vars.SetFormulaVariable(QStringLiteral("BED_WIDTH"), 6);
-  vars.SetFormulaVariable(QStringLiteral("CL"), 100);
-  vars.SetFormulaVariable(QStringLiteral("FSD"), 2);
-  vars.SetFormulaVariable(QStringLiteral("CL"), 250.5f);
-  ASSERT_EQ(vars.variables().size(), 3u);
-  EXPECT_EQ(vars.variables()[0].Name, QStringLiteral("BED_WIDTH"));
-  EXPECT_EQ(vars.variables()[1].Name, QStringLiteral("FSD"));
-  EXPECT_EQ(vars.variables()[2].Name, QStringLiteral("CL"));
-  EXPECT_EQ(vars.variables()[2].Value, 250.5f);
-  EXPECT_FLOAT_EQ(vars.EvaluateFormula(QStringLiteral("$CL+$FSD")), 252.5f);
+  for (const char* name : {"B", "CCC", "A", "DD", "EEE", "FF", "A"})
+    vars.SetFormulaVariable(QString::fromLatin1(name), name[0] == 'A' ? 250.5f : 2);
+  EXPECT_EQ(names(vars),
+            QStringList({QStringLiteral("CCC"), QStringLiteral("EEE"), QStringLiteral("DD"),
+                         QStringLiteral("FF"), QStringLiteral("B"), QStringLiteral("A")}));
+  EXPECT_FLOAT_EQ(vars.EvaluateFormula(QStringLiteral("$A+$B")), 252.5f);
 }
 
 TEST(FormulaVariables, NamesDifferingOnlyInCaseAreSeparateButTheFirstSetWins) {
