@@ -3,6 +3,7 @@
 #include "app/frmmain.h"
 #include "app/opendatabase.h"
 #include "app/settings.h"
+#include "app/toolicons.h"
 #include "app/twips.h"
 #include "sheets/mousewheel.h"
 
@@ -14,6 +15,8 @@ int main(int argc, char** argv) {
   QApplication::setOrganizationName(QStringLiteral("Delvane"));
   QApplication::setApplicationName(QStringLiteral("Delvane"));
   QApplication::setApplicationVersion(QStringLiteral(DELVANE_VERSION));
+  // The canal cross-section of the tool bar stands for the program in the window frames.
+  QApplication::setWindowIcon(app::toolIcon(QStringLiteral("Xsection")));
 
   app::DesktopReporter reporter;
   sheets::MouseWheelModule mouseWheel;

@@ -170,6 +170,7 @@ frmReport* ShowQuantitySummary(const SheetContext& context) {
   const QStringList headers = engine::QuantitySummaryHeaders();
   grid.Cols(static_cast<int>(headers.size()));
   setHeaders(grid, headers);
+  grid.ColTextAlign(-1, GridControl::kAlignRight);  // every cell holds a number
   grid.SetRowCount(0);
   engine::ComputeQuantities(*session, &report->reportGrid(), -1.0f);
   report->strCurrentDataSheet = QStringLiteral("QuantitySummary");
@@ -191,6 +192,7 @@ frmReport* ShowAreaCalculation(const SheetContext& context, float chainage) {
   grid.Cols(session->useExecutedLevel() ? kAreaCalculationColsWithExecuted : kAreaCalculationCols);
   setHeaders(grid, headers);
   grid.ColWidth(-1, kAreaCalculationColWidth);
+  grid.ColTextAlign(-1, GridControl::kAlignRight);  // every cell holds a number
   grid.SetRowCount(0);
   engine::FillAreaDetails(*session, chainage, report->reportGrid());
   report->strCurrentDataSheet = QStringLiteral("QuantityDetails");
