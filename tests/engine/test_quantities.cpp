@@ -44,6 +44,21 @@ class QuantitiesTest : public AreaFixture {
   }
 };
 
+// The grid's rows, columns first to last joined by '|'.
+QStringList gridRows(const MemoryReportGrid& grid, int first, int last) {
+  QStringList rows;
+  for (int r = 0; r < grid.RowCount(); ++r) {
+    QStringList cells;
+    for (int col = first; col <= last; ++col) cells << grid.text(r, col);
+    rows << cells.join(QLatin1Char('|'));
+  }
+  return rows;
+}
+
+std::string gridText(const MemoryReportGrid& grid, int first, int last) {
+  return gridRows(grid, first, last).join(QLatin1Char('\n')).toStdString();
+}
+
 // Stored areas 10, 20 and 0 m² at 0.000, 0.020 and 0.050 km: 20 m × 15 m² + 30 m × 10 m².
 TEST_F(QuantitiesTest, VolumesUseAverageEndAreas) {
   design();
@@ -51,24 +66,12 @@ TEST_F(QuantitiesTest, VolumesUseAverageEndAreas) {
   surveyed(0.02f, 20.0f, 1.0f);
   surveyed(0.05f, 0.0f, 1.0f);
   MemoryReportGrid grid;
-  const std::vector<QuantityRow> rows = run(&grid, 9.0f);  // no such chainage: all stored
-
-  ASSERT_EQ(rows.size(), 3u);
-  EXPECT_FALSE(rows[0].CutVolume.has_value());
-  EXPECT_NEAR(rows[1].CutVolume.value_or(-1), 300.0f, kTol);
-  EXPECT_NEAR(rows[2].CutVolume.value_or(-1), 300.0f, kTol);
-  EXPECT_NEAR(rows[2].FillVolume.value_or(-1), 30.0f, kTol);
-  EXPECT_NEAR(session.quantityRun().TotalCutVolume, 600.0f, kTol);
-  EXPECT_NEAR(session.quantityRun().TotalFillVolume, 50.0f, kTol);
-
-  ASSERT_EQ(grid.RowCount(), 4);
-  const char* expected[4][5] = {{"0.000", "10.000", "1.000", "", ""},
-                                {"0.020", "20.000", "1.000", "300.000", "20.000"},
-                                {"0.050", "0.000", "1.000", "300.000", "30.000"},
-                                {"", "", "", "600.00", "50.00"}};
-  for (int r = 0; r < 4; ++r)
-    for (int col = 0; col < 5; ++col)
-      EXPECT_EQ(grid.text(r, col), QString::fromLatin1(expected[r][col])) << r << "," << col;
+  EXPECT_EQ(run(&grid, 9.0f).size(), 3u);  // no such chainage: all stored
+  EXPECT_EQ(gridText(grid, 0, 4),
+            "0.000|10.000|1.000||\n"
+            "0.020|20.000|1.000|300.000|20.000\n"
+            "0.050|0.000|1.000|300.000|30.000\n"
+            "|||600.00|50.00");
   EXPECT_TRUE(grid.bold(3, 3) && grid.bold(3, 4));
   EXPECT_FALSE(grid.bold(2, 3));
   ASSERT_EQ(reporter.status.size(), 3);
@@ -78,17 +81,13 @@ TEST_F(QuantitiesTest, VolumesUseAverageEndAreas) {
   EXPECT_TRUE(reporter.status[2].startsWith(QLatin1String("3:Time : ")));
 }
 
+// A single chainage is computed afresh (26 m²) and has no volumes.
 TEST_F(QuantitiesTest, OneChainageHasNoVolumes) {
   design();
   surveyed(0.5f, 4.0f, 2.0f);
   MemoryReportGrid grid;
-  const std::vector<QuantityRow> rows = run(&grid, -1.0f);
-  ASSERT_EQ(rows.size(), 1u);
-  EXPECT_NEAR(rows[0].CutArea, 26.0f, kTol);
-  EXPECT_FALSE(rows[0].CutVolume.has_value());
-  EXPECT_EQ(session.quantityRun().TotalCutVolume, 0.0f);
-  EXPECT_EQ(grid.text(0, 3), QString());
-  EXPECT_EQ(grid.text(1, 3), QStringLiteral("0.00"));
+  EXPECT_EQ(run(&grid, -1.0f).size(), 1u);
+  EXPECT_EQ(gridText(grid, 0, 4), "0.500|26.000|0.000||\n|||0.00|0.00");
 }
 
 // Only the given chainage is recomputed; its neighbours' volumes use its new area and their own
@@ -98,27 +97,14 @@ TEST_F(QuantitiesTest, GivenChainageIsRecomputedAndTheOthersTakeTheirStoredAreas
   surveyed(0.0f, 10.0f, 0.0f);
   surveyed(0.02f, 20.0f, 0.0f);
   surveyed(0.05f, std::nullopt, std::nullopt);  // never computed: counts as 0
-  const std::vector<QuantityRow> rows = run(nullptr, 0.02f);
-  ASSERT_EQ(rows.size(), 3u);
-  EXPECT_NEAR(rows[1].CutArea, 26.0f, kTol);
-  EXPECT_NEAR(rows[1].CutVolume.value_or(-1), 20 * (10 + 26) / 2.0f, kTol);
-  EXPECT_NEAR(rows[2].CutVolume.value_or(-1), 30 * 26 / 2.0f, kTol);
-  EXPECT_NEAR(session.quantityRun().TotalCutVolume, 750.0f, kTol);
+  MemoryReportGrid grid;
+  run(&grid, 0.02f);
+  // 20 m × (10 + 26) ÷ 2 and 30 m × 26 ÷ 2.
+  EXPECT_EQ(gridText(grid, 1, 3),
+            "10.000|0.000|\n26.000|0.000|360.000\n0.000|0.000|390.000\n||750.00");
   EXPECT_NEAR(storedAreas(0.02f).first.value_or(-1), 26.0f, kTol);
   EXPECT_EQ(storedAreas(0.0f).first, 10.0f);
   EXPECT_FALSE(storedAreas(0.05f).first.has_value());
-}
-
-TEST_F(QuantitiesTest, FullRunComputesAndStoresEveryChainage) {
-  design();
-  surveyed(0.0f, std::nullopt, std::nullopt);
-  surveyed(0.1f, std::nullopt, std::nullopt);
-  const std::vector<QuantityRow> rows = run(nullptr, -1.0f);
-  ASSERT_EQ(rows.size(), 2u);
-  EXPECT_NEAR(session.quantityRun().TotalCutVolume, 100 * 26.0f, 0.01f);
-  EXPECT_NEAR(storedAreas(0.1f).first.value_or(-1), 26.0f, kTol);
-  EXPECT_TRUE(session.quantityRun().Computed);
-  EXPECT_TRUE(reporter.errors.isEmpty()) << errorText().toStdString();
 }
 
 TEST_F(QuantitiesTest, InvalidLevelsStopTheRunBeforeAnythingChanges) {
@@ -126,8 +112,7 @@ TEST_F(QuantitiesTest, InvalidLevelsStopTheRunBeforeAnythingChanges) {
   surveyed(0.0f, 5.0f, 5.0f);
   c.exec(QStringLiteral("UPDATE Initial SET Level=300 WHERE Offset=10"));
   MemoryReportGrid grid;
-  const std::vector<QuantityRow> rows = run(&grid, -1.0f);
-  EXPECT_TRUE(rows.empty());
+  EXPECT_TRUE(run(&grid, -1.0f).empty());
   EXPECT_FALSE(session.quantityRun().Computed);
   EXPECT_EQ(grid.RowCount(), 0);
   EXPECT_EQ(storedAreas(0.0f).first, 5.0f);
@@ -163,16 +148,19 @@ TEST(QuantityRun, EventsDuringARunDoNotStartAnotherOverIt) {
   EXPECT_GT(session.quantityRun().TotalCutVolume, 0.0f);
 }
 
-// The quantity chainages follow Initial before the run: a new survey gets its row.
-TEST_F(QuantitiesTest, RunBringsTheQuantityChainagesInLineFirst) {
+// A full run computes and stores every chainage, and first brings the quantity chainages in
+// line with Initial: a new survey gets its row.
+TEST_F(QuantitiesTest, FullRunSyncsTheChainagesThenComputesAndStoresEach) {
   design();
   surveyed(0.0f, std::nullopt, std::nullopt);
   setFlatGround(0.1f, 100.0f);
   c.exec(QStringLiteral("DELETE FROM DesignQty WHERE Chainage > 0.05"));
   session.markQuantityChainagesOutOfDate();
-  const std::vector<QuantityRow> rows = run(nullptr, -1.0f);
-  ASSERT_EQ(rows.size(), 2u);
-  EXPECT_NEAR(storedAreas(0.1f).first.value_or(-1), 26.0f, kTol);
+  EXPECT_EQ(run(nullptr, -1.0f).size(), 2u);
+  EXPECT_NEAR(session.quantityRun().TotalCutVolume, 100 * 26.0f, 0.01f);
+  EXPECT_EQ(storedAreas(0.1f), std::make_pair(std::optional(26.0f), std::optional(0.0f)));
+  EXPECT_TRUE(session.quantityRun().Computed);
+  EXPECT_TRUE(reporter.errors.isEmpty()) << errorText().toStdString();
 }
 
 TEST_F(QuantitiesTest, UnusableColumnIsReportedOncePerRun) {
@@ -198,13 +186,9 @@ TEST_F(QuantitiesTest, AreaDetailsSheetShowsExecutedColumnsWhenInUse) {
   FillAreaDetails(session, 0.0f, grid);
   ASSERT_EQ(grid.RowCount(), 10);
   // Right 5 (row 5) and the totals row, executed columns 10 to 17.
-  const auto cells = [&grid](int row) {
-    QStringList out;
-    for (int col = 10; col <= 17; ++col) out << grid.text(row, col);
-    return out.join(QLatin1Char('|'));
-  };
-  EXPECT_EQ(cells(5), QStringLiteral("98.500|1.500||1.500||7.500||7.500"));
-  EXPECT_EQ(cells(9), QStringLiteral("|||||24.000|0.000|21.000"));
+  const QStringList rows = gridRows(grid, 10, 17);
+  EXPECT_EQ(rows[5], QStringLiteral("98.500|1.500||1.500||7.500||7.500"));
+  EXPECT_EQ(rows[9], QStringLiteral("|||||24.000|0.000|21.000"));
   EXPECT_TRUE(grid.bold(9, 18));
 }
 
