@@ -59,52 +59,47 @@ class TestTransformDialog : public QObject {
     QCOMPARE(d.dialog.request().value, value);
   }
 
-  void leadingNumberReadsTheStartOfTheText_data();
-  void leadingNumberReadsTheStartOfTheText();
-  void generalTextKeepsFifteenDigits_data();
-  void generalTextKeepsFifteenDigits();
+  void leadingNumberReadsTheStartOfTheText_data() {
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<double>("value");
+    QTest::newRow("plain") << "12.5" << 12.5;
+    QTest::newRow("text after") << "12.5 m" << 12.5;
+    QTest::newRow("leading blanks and sign") << "  -3.25" << -3.25;
+    QTest::newRow("blanks inside") << "1 2" << 12.0;
+    QTest::newRow("no number") << "abc" << 0.0;
+    QTest::newRow("empty") << "" << 0.0;
+    QTest::newRow("point first") << ".5" << 0.5;
+    QTest::newRow("exponent") << "1e3x" << 1000.0;
+    QTest::newRow("D exponent") << "2D2" << 200.0;
+    QTest::newRow("bare E") << "7E" << 7.0;
+    QTest::newRow("second point ends") << "1.2.3" << 1.2;
+    QTest::newRow("comma ends") << "1,234" << 1.0;
+  }
+
+  void leadingNumberReadsTheStartOfTheText() {
+    QFETCH(QString, text);
+    QFETCH(double, value);
+    QCOMPARE(sheets::leadingNumber(text), value);
+  }
+
+  void generalTextKeepsFifteenDigits_data() {
+    QTest::addColumn<double>("value");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("single widened") << (1.0 + double(0.1f)) << "1.10000000149012";
+    QTest::newRow("integer") << 250.0 << "250";
+    QTest::newRow("negative") << -8.5 << "-8.5";
+    QTest::newRow("negative zero") << -0.0 << "0";
+    QTest::newRow("fifteen digits") << 123456789012345.0 << "123456789012345";
+    QTest::newRow("large") << 1e20 << "1E+20";
+    QTest::newRow("small") << 0.0001 << "0.0001";
+  }
+
+  void generalTextKeepsFifteenDigits() {
+    QFETCH(double, value);
+    QFETCH(QString, text);
+    QCOMPARE(sheets::generalText15(value), text);
+  }
 };
-
-void TestTransformDialog::leadingNumberReadsTheStartOfTheText_data() {
-  QTest::addColumn<QString>("text");
-  QTest::addColumn<double>("value");
-  QTest::newRow("plain") << "12.5" << 12.5;
-  QTest::newRow("text after") << "12.5 m" << 12.5;
-  QTest::newRow("leading blanks and sign") << "  -3.25" << -3.25;
-  QTest::newRow("blanks inside") << "1 2" << 12.0;
-  QTest::newRow("no number") << "abc" << 0.0;
-  QTest::newRow("empty") << "" << 0.0;
-  QTest::newRow("point first") << ".5" << 0.5;
-  QTest::newRow("exponent") << "1e3x" << 1000.0;
-  QTest::newRow("D exponent") << "2D2" << 200.0;
-  QTest::newRow("bare E") << "7E" << 7.0;
-  QTest::newRow("second point ends") << "1.2.3" << 1.2;
-  QTest::newRow("comma ends") << "1,234" << 1.0;
-}
-
-void TestTransformDialog::leadingNumberReadsTheStartOfTheText() {
-  QFETCH(QString, text);
-  QFETCH(double, value);
-  QCOMPARE(sheets::leadingNumber(text), value);
-}
-
-void TestTransformDialog::generalTextKeepsFifteenDigits_data() {
-  QTest::addColumn<double>("value");
-  QTest::addColumn<QString>("text");
-  QTest::newRow("single widened") << (1.0 + double(0.1f)) << "1.10000000149012";
-  QTest::newRow("integer") << 250.0 << "250";
-  QTest::newRow("negative") << -8.5 << "-8.5";
-  QTest::newRow("negative zero") << -0.0 << "0";
-  QTest::newRow("fifteen digits") << 123456789012345.0 << "123456789012345";
-  QTest::newRow("large") << 1e20 << "1E+20";
-  QTest::newRow("small") << 0.0001 << "0.0001";
-}
-
-void TestTransformDialog::generalTextKeepsFifteenDigits() {
-  QFETCH(double, value);
-  QFETCH(QString, text);
-  QCOMPARE(sheets::generalText15(value), text);
-}
 
 DELVANE_QTEST(TestTransformDialog)
 

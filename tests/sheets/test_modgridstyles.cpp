@@ -54,18 +54,27 @@ class TestModGridStyles : public QObject {
 
     const GridControl& grid = window->grid();
     QCOMPARE(window->rsConPtr, &fixture.connection());
-    QCOMPARE(window->strCurrentDataSheet, sheet);
-    QCOMPARE(window->windowTitle(), sheet);
+    QCOMPARE(window->strCurrentDataSheet + ' ' + window->windowTitle(), sheet + ' ' + sheet);
     QCOMPARE(headers(grid), columns);
     if (rowsInSection1 < 0)
       rowsInSection1 = testsupport::rowCount(fixture.connection(), sheet, "SectionID=1");
     QCOMPARE(grid.Rows(), rowsInSection1);
-    QVERIFY(grid.Redraw());
-    QVERIFY(window->isVisible());
+    QVERIFY(grid.Redraw() && window->isVisible());
     for (int col = 0; centredWidth > 0 && col < grid.Cols(); ++col) {
       QCOMPARE(grid.ColWidth(col), centredWidth);
       QCOMPARE(grid.ColTextAlign(col), int(GridControl::kAlignCenter));
     }
+  }
+
+  void levelRowsComeByChainageThenOffset() {
+    SheetsFixture fixture(false);
+    fixture.connection().exec(
+        QStringLiteral("INSERT INTO Initial (Chainage, Offset, Level, SectionID) "
+                       "VALUES (0.2, -5, 1, 1), (0.1, 5, 2, 1), (0.1, -3, 3, 1), (0.1, 0, 4, 1)"));
+    auto window = fixture.openSheet(QStringLiteral("Initial"));
+    QStringList levels;
+    for (int row = 0; row < window->grid().Rows(); ++row) levels << window->grid().Text(row, 2);
+    QCOMPARE(levels, QStringList({"3", "4", "2", "1"}));
   }
 
   void packageAndOutletsColumnsFitTheirContents() {
