@@ -58,29 +58,25 @@ class QuantityExportTest : public AreaFixture {
   }
 };
 
+// 50 m × (26 + 0) / 2 and 50 m × (0 + 11.5) / 2 per stretch; the first row has no volumes. A
+// section without chainages still gets the header and zero totals.
 TEST_F(QuantityExportTest, CsvHoldsEveryChainageAsPlainNumbersAndTheTotalsRow) {
   const QString path = out(QStringLiteral("q.csv"));
   const QuantityExportResult result = exportTo(path, QuantitySheetFormat::Csv);
   ASSERT_EQ(result.status, QuantityExportResult::Status::Written) << result.message.toStdString();
   EXPECT_EQ(result.rowCount, 3);
   EXPECT_TRUE(reporter.errors.isEmpty()) << errorText().toStdString();
+  const std::string header = "Chainage,Cut Area,Fill Area,Cut Volume,Fill Volume\r\n";
+  EXPECT_EQ(fileBytes(path).toStdString(), header +
+                                               "0,26,0,,\r\n"
+                                               "0.05,0,11.5,650,287.5\r\n"
+                                               "0.1,26,0,650,287.5\r\n"
+                                               ",,,1300,575\r\n");
 
-  // 50 m × (26 + 0) / 2 and 50 m × (0 + 11.5) / 2 per stretch; the first row has no volumes.
-  EXPECT_EQ(fileBytes(path).toStdString(),
-            "Chainage,Cut Area,Fill Area,Cut Volume,Fill Volume\r\n"
-            "0,26,0,,\r\n"
-            "0.05,0,11.5,650,287.5\r\n"
-            "0.1,26,0,650,287.5\r\n"
-            ",,,1300,575\r\n");
-}
-
-TEST_F(QuantityExportTest, SectionWithoutChainagesExportsHeaderAndZeroTotals) {
   c.exec(QStringLiteral("DELETE FROM DesignQty"));
   c.exec(QStringLiteral("DELETE FROM Initial"));
-  const QString path = out(QStringLiteral("empty.csv"));
   ASSERT_EQ(exportTo(path, QuantitySheetFormat::Csv).status, QuantityExportResult::Status::Written);
-  EXPECT_EQ(fileBytes(path).toStdString(),
-            "Chainage,Cut Area,Fill Area,Cut Volume,Fill Volume\r\n,,,0,0\r\n");
+  EXPECT_EQ(fileBytes(path).toStdString(), header + ",,,0,0\r\n");
 }
 
 TEST_F(QuantityExportTest, WorkbookHoldsTheSummaryAndTheSectionSheets) {
@@ -97,10 +93,8 @@ TEST_F(QuantityExportTest, WorkbookHoldsTheSummaryAndTheSectionSheets) {
 
   const QString workbook = QString::fromUtf8(parts->at(QStringLiteral("xl/workbook.xml")));
   const qsizetype summaryAt = workbook.indexOf(QLatin1String("name=\"Quantity Summary\""));
-  const qsizetype sectionAt = workbook.indexOf(QLatin1String("name=\"Section\""));
-  ASSERT_GE(summaryAt, 0);
-  ASSERT_GE(sectionAt, 0);
-  EXPECT_LT(summaryAt, sectionAt) << "the summary comes first";
+  EXPECT_TRUE(summaryAt >= 0 && summaryAt < workbook.indexOf(QLatin1String("name=\"Section\"")))
+      << "both sheets, the summary first";
 
   const QString strings = QString::fromUtf8(parts->at(QStringLiteral("xl/sharedStrings.xml")));
   for (const char* text : {"Chainage", "Cut Area", "Fill Area", "Cut Volume", "Fill Volume",
@@ -119,18 +113,12 @@ TEST_F(QuantityExportTest, WorkbookHoldsTheSummaryAndTheSectionSheets) {
                                     .arg(QLatin1String(ref), QLatin1String(value)));
     return re.match(summary).hasMatch();
   };
-  for (const auto& [ref, value] : {std::pair{"A3", "0.05"},
-                                   {"B2", "26"},
-                                   {"C3", "11.5"},
-                                   {"D4", "650"},
-                                   {"E4", "287.5"},
-                                   {"D5", "1300"},
-                                   {"E5", "575"}})
-    EXPECT_TRUE(cell(ref, value)) << ref;
+  const std::pair<const char*, const char*> values[] = {
+      {"A3", "0.05"},  {"B2", "26"},   {"C3", "11.5"}, {"D4", "650"},
+      {"E4", "287.5"}, {"D5", "1300"}, {"E5", "575"}};
+  for (const auto& [ref, value] : values) EXPECT_TRUE(cell(ref, value)) << ref;
   EXPECT_FALSE(summary.contains(QLatin1String("r=\"D2\""))) << "the first row has no volume";
   EXPECT_FALSE(summary.contains(QLatin1String("r=\"A5\""))) << "the totals row has no chainage";
-  EXPECT_TRUE(summary.contains(QLatin1String("<cols>"))) << "columns are sized";
-  EXPECT_TRUE(summary.contains(QLatin1String("<pane ")));
 
   // The totals cells use a bold style with two decimals, the rows one with three.
   const auto styleOf = [&summary](const char* ref) {
@@ -177,17 +165,6 @@ TEST_F(QuantityExportTest, UnwritableFileIsNamedWithTheReason) {
         << "the file and the reason: " << result.message.toStdString();
     EXPECT_FALSE(QFile::exists(path));
   }
-}
-
-TEST_F(QuantityExportTest, CollectedSheetCarriesThePackageSectionAndDate) {
-  session.setUseExecutedLevel(false);
-  const auto sheet = engine::CollectQuantitySheet(session);
-  ASSERT_TRUE(sheet.has_value());
-  EXPECT_FALSE(sheet->ExecutedLevels);
-  EXPECT_EQ(sheet->PackageName + QLatin1Char('|') + sheet->SectionDescription,
-            QStringLiteral("Main Canal|Reach 1"));
-  EXPECT_EQ(sheet->Date, QDate::currentDate());
-  EXPECT_NEAR(sheet->TotalCutVolume, 1300.0f, 1e-3f);
 }
 
 struct FormatCase {
