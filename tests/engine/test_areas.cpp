@@ -33,30 +33,30 @@ class AreasTest : public AreaFixture {
   }
 };
 
-// Flat ground over a 10 m bed: the side slopes rise (cut) or fall (fill) to meet the ground.
+// Flat ground over a 10 m bed: the side slopes rise (cut) or fall (fill) to meet the ground; a
+// side without a slope (none or 0) ends at its edge.
 struct FlatCase {
   const char* name;
   float ground;
-  float slope;
-  float catchX;
-  float cut;
-  float fill;
+  std::optional<float> left, right;  // slopes
+  float catchX, catchLevel, cut, fill;
 };
 
 class FlatGroundTest : public AreasTest, public ::testing::WithParamInterface<FlatCase> {};
 
 TEST_P(FlatGroundTest, SlopesMeetTheGroundAndTheStripsAddUp) {
   const FlatCase& k = GetParam();
-  canalAt(0.0f, k.ground, k.slope);
+  setDesignLevel(0.0f, 98.0f);
+  setSlopes(0.0f, k.left, k.right);
+  setFlatGround(0.0f, k.ground);
   const AreaState& st = compute(0.0f);
 
-  EXPECT_TRUE(st.Left.Present);
-  EXPECT_TRUE(st.Right.Present);
+  EXPECT_TRUE(st.Left.Present && st.Right.Present);
   for (const engine::AreaSide* side : {&st.Left, &st.Right}) {
     ASSERT_TRUE(side->HasCatchPoint);
     ASSERT_EQ(side->nDesign, 2);
     EXPECT_NEAR(side->Design[2].Offset, k.catchX, kTol);
-    EXPECT_NEAR(side->Design[2].Level, k.ground, kTol);
+    EXPECT_NEAR(side->Design[2].Level, k.catchLevel, kTol);
   }
   EXPECT_NEAR(st.Area[0], k.cut, kTol);
   EXPECT_NEAR(st.Area[1], k.fill, kTol);
@@ -65,15 +65,17 @@ TEST_P(FlatGroundTest, SlopesMeetTheGroundAndTheStripsAddUp) {
   EXPECT_TRUE(reporter.errors.isEmpty()) << errorText().toStdString();
 }
 
-INSTANTIATE_TEST_SUITE_P(Areas, FlatGroundTest,
-                         ::testing::Values(
-                             // 2 m of cut over 3 m of slope: 2 × (5 × 2 + 3 × 2 ÷ 2).
-                             FlatCase{"CutWithSlope1_5", 100.0f, 1.5f, 8.0f, 26.0f, 0.0f},
-                             FlatCase{"CutWithSlope2", 100.0f, 2.0f, 9.0f, 28.0f, 0.0f},
-                             // 1 m of fill over 1.5 m of slope: 2 × (5 × 1 + 1.5 × 1 ÷ 2).
-                             FlatCase{"FillWithSlope1_5", 97.0f, 1.5f, 6.5f, 0.0f, 11.5f},
-                             FlatCase{"GroundAtBedLevel", 98.0f, 1.5f, 5.0f, 0.0f, 0.0f}),
-                         [](const auto& info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(
+    Areas, FlatGroundTest,
+    ::testing::Values(
+        // 2 m of cut over 3 m of slope: 2 × (5 × 2 + 3 × 2 ÷ 2).
+        FlatCase{"CutWithSlope1_5", 100.0f, 1.5f, 1.5f, 8.0f, 100.0f, 26.0f, 0.0f},
+        FlatCase{"CutWithSlope2", 100.0f, 2.0f, 2.0f, 9.0f, 100.0f, 28.0f, 0.0f},
+        // 1 m of fill over 1.5 m of slope: 2 × (5 × 1 + 1.5 × 1 ÷ 2).
+        FlatCase{"FillWithSlope1_5", 97.0f, 1.5f, 1.5f, 6.5f, 97.0f, 0.0f, 11.5f},
+        FlatCase{"GroundAtBedLevel", 98.0f, 1.5f, 1.5f, 5.0f, 98.0f, 0.0f, 0.0f},
+        FlatCase{"NoSlopeEndsAtTheEdge", 100.0f, std::nullopt, 0.0f, 5.0f, 98.0f, 20.0f, 0.0f}),
+    [](const auto& info) { return std::string(info.param.name); });
 
 TEST_F(AreasTest, GroundEndingBeforeTheSlopeGetsACatchPointLevelWithItsLastPoint) {
   setDesignLevel(0.0f, 98.0f);
@@ -150,21 +152,6 @@ TEST_F(AreasTest, NoDesignDetailsIsReportedAndComputesNothing) {
   ASSERT_EQ(reporter.errors.size(), 1);
   EXPECT_TRUE(reporter.errors[0].contains(QLatin1String("no design details")));
   EXPECT_FALSE(storedAreas(0.0f).first.has_value());
-}
-
-// A slope of 0 or none: the side has no slope and its catch point is its edge.
-TEST_F(AreasTest, SideWithoutSlopeEndsAtItsEdge) {
-  setDesignLevel(0.0f, 98.0f);
-  setSlopes(0.0f, std::nullopt, 0.0f);
-  setFlatGround(0.0f, 100.0f);
-  const AreaState& st = compute(0.0f);
-  for (const engine::AreaSide* side : {&st.Left, &st.Right}) {
-    ASSERT_TRUE(side->HasCatchPoint);
-    EXPECT_FLOAT_EQ(side->Design[2].Offset, 5.0f);
-    EXPECT_FLOAT_EQ(side->Design[2].Level, 98.0f);
-  }
-  EXPECT_NEAR(st.Area[0], 20.0f, kTol);
-  EXPECT_TRUE(reporter.errors.isEmpty());
 }
 
 // Quantity windows: a strip counts when StartOffset < its outer end <= EndOffset, on the
