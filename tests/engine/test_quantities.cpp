@@ -207,29 +207,23 @@ TEST(DemoAreas, BedIsInCutAndBanksAreInFill) {
     db::Statement chainages = c.prepare(
         QStringLiteral("SELECT Chainage FROM DesignQty WHERE SectionID=? ORDER BY Chainage"));
     chainages.bindKey(1, section);
-    int count = 0;
-    int bedInCut = 0;
-    int banksInFill = 0;
+    int count = 0, bedInCut = 0, banksInFill = 0;
     while (chainages.step()) {
       float chainage = chainages.measure(0);
       engine::ComputeSectionAreas(session, chainage);
       const engine::AreaState& st = session.areas();
       ++count;
       ASSERT_TRUE(st.Left.Present && st.Right.Present) << section << " at " << chainage;
-      float bedCut = 0.0f;
-      float bankFill = 0.0f;
-      const float bedEdge = st.Right.Design[1].Offset;
-      const float bankInner = st.Right.Design[2].Offset;
+      float bedCut = 0.0f, bankFill = 0.0f;
       for (int r = 0; r <= st.RowCount; ++r) {
         const float d = st.Table.value(r, engine::kColDistance);
-        if (d <= bedEdge) bedCut += st.Table.value(r, 9);
-        if (d > bankInner) bankFill += st.Table.value(r, 10);
+        if (d <= st.Right.Design[1].Offset) bedCut += st.Table.value(r, 9);
+        if (d > st.Right.Design[2].Offset) bankFill += st.Table.value(r, 10);
       }
-      if (bedCut > 0.01f) ++bedInCut;
-      if (bankFill > 0.01f) ++banksInFill;
+      bedInCut += bedCut > 0.01f;
+      banksInFill += bankFill > 0.01f;
       // A catch point's ground and design levels may differ in the last bit; no more.
-      EXPECT_GT(st.Area[0], -1e-6f);
-      EXPECT_GT(st.Area[1], -1e-6f);
+      EXPECT_TRUE(st.Area[0] > -1e-6f && st.Area[1] > -1e-6f) << chainage;
     }
     EXPECT_GT(count, 100);
     EXPECT_GE(bedInCut, count * 9 / 10) << "section " << section;
