@@ -5,7 +5,22 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+#include <tuple>
+#include <vector>
+
 namespace {
+
+using Points = std::vector<std::pair<float, float>>;
+// What one GetDesignSection call gave: the counts it returned, each side's points and the
+// messages reported so far.
+using Outcome = std::tuple<int, int, Points, Points, std::string>;
+
+Points points(const std::vector<engine::DesignPoint>& side) {
+  Points out;
+  for (const auto& p : side) out.emplace_back(p.Offset, p.Level);
+  return out;
+}
 
 // Section 1 with a design profile of the test's choosing and BED_WIDTH details rows.
 class DesignSectionTest : public testsupport::SessionFixture {
@@ -15,10 +30,12 @@ class DesignSectionTest : public testsupport::SessionFixture {
     session.clearQuantityChainagesMark();
   }
 
-  // The bed profile (left edge at half the bed width in force), details of bed 10 from 0 and
-  // 20 from 500, and a quantity chainage at 1000.
+  // The centre point and a left edge at half the bed width in force.
+  void bedProfile() { profile({{"C", "0", "$CL"}, {"L", "$BED_WIDTH/2", "$CL"}}); }
+
+  // The bed profile, details of bed 10 from 0 and 20 from 500, and a quantity chainage at 1000.
   void bedFromZeroAndFiveHundred() {
-    profile({{"C", "0", "$CL"}, {"L", "$BED_WIDTH/2", "$CL"}});
+    bedProfile();
     exec(
         "INSERT INTO DesignDetails (SectionID, Chainage, BED_WIDTH) VALUES (1, 0, 10), "
         "(1, 500, 20)");
@@ -31,18 +48,19 @@ class DesignSectionTest : public testsupport::SessionFixture {
     exec("INSERT INTO DesignQty (SectionID, Chainage) VALUES (1, 1)");
   }
 
-  // Runs GetDesignSection at chainage hung from centre level 100.
-  void section(float chainage) {
-    nLeft = nRight = -7;
+  // Runs GetDesignSection at chainage hung from centre level 100; counts start at -7.
+  Outcome section(float chainage) {
+    int nLeft = -7, nRight = -7;
     lpOff = lpVal = rpOff = rpVal = 0;
     engine::GetDesignSection(session, chainage, 100, lpOff, lpVal, rpOff, rpVal, nLeft, nRight);
+    return {nLeft, nRight, points(design().LeftDesignPoints), points(design().RightDesignPoints),
+            errorText().toStdString()};
   }
 
   float leftEdge() { return session.design().LeftDesignPoints[1].Offset; }
 
   const engine::DesignState& design() { return session.design(); }
 
-  int nLeft = 0, nRight = 0;
   float lpOff = 0, lpVal = 0, rpOff = 0, rpVal = 0;
 };
 
@@ -51,18 +69,14 @@ TEST_F(DesignSectionTest, DetailsApplyFromTheirChainageUpToTheNextRow) {
   const float cases[][2] = {{0, 5}, {250, 5}, {499.99f, 5}, {500, 10}, {1000, 10}};
   for (const auto& k : cases) {
     engine::ResetDesignCache(session);
-    section(k[0]);
-    ASSERT_EQ(nLeft, 2) << k[0];
-    EXPECT_FLOAT_EQ(leftEdge(), k[1]) << k[0];
+    EXPECT_EQ(section(k[0]), Outcome(2, 1, {{0, 100}, {k[1], 100}}, {{0, 100}}, "")) << k[0];
   }
-  EXPECT_TRUE(reporter.errors.isEmpty()) << errorText().toStdString();
 }
 
 // Without a reset the cache steps forward past the next row but holds on stepping back.
 TEST_F(DesignSectionTest, CacheReloadsForwardAndHoldsBackwardUntilReset) {
   bedFromZeroAndFiveHundred();
   section(499.99f);
-  EXPECT_FLOAT_EQ(leftEdge(), 5);
   EXPECT_FLOAT_EQ(design().NextDetailsChainage, 500);
   section(500);
   EXPECT_FLOAT_EQ(leftEdge(), 10);
@@ -77,52 +91,34 @@ TEST_F(DesignSectionTest, CacheReloadsForwardAndHoldsBackwardUntilReset) {
 }
 
 TEST_F(DesignSectionTest, FirstRowAppliesBeforeItsChainage) {
-  profile({{"C", "0", "$CL"}, {"L", "$BED_WIDTH/2", "$CL"}});
+  bedProfile();
   exec(
       "INSERT INTO DesignDetails (SectionID, Chainage, BED_WIDTH) VALUES (1, 100, 8), "
       "(1, 300, 12)");
-  section(20);
-  EXPECT_FLOAT_EQ(leftEdge(), 4);
+  EXPECT_EQ(section(20), Outcome(2, 1, {{0, 100}, {4, 100}}, {{0, 100}}, ""));
   EXPECT_FLOAT_EQ(design().DetailsChainage, 100);
-  EXPECT_TRUE(reporter.errors.isEmpty());
 }
 
 TEST_F(DesignSectionTest, NoDetailsLeavesPointsAndCountsUntouched) {
-  profile({{"C", "0", "$CL"}, {"L", "$BED_WIDTH/2", "$CL"}});
+  bedProfile();
   oneDetailsRow();
   section(0.5f);
   exec("DELETE FROM DesignDetails");
   engine::ResetDesignCache(session);
-  section(20);
-  EXPECT_EQ(nLeft, -7);
-  EXPECT_EQ(nRight, -7);
-  EXPECT_EQ(design().LeftDesignPoints.size(), 2u);
+  EXPECT_EQ(section(20), Outcome(-7, -7, {{0, 100}, {5, 100}}, {{0, 100}},
+                                 "Chainage : 20>no design details or profile values entered."));
   EXPECT_EQ(design().nLeft, 2);
-  EXPECT_EQ(
-      reporter.errors,
-      QStringList{QStringLiteral("Chainage : 20>no design details or profile values entered.")});
 }
 
 TEST_F(DesignSectionTest, LastRowWithoutQuantityChainagesIsReported) {
-  profile({{"C", "0", "$CL"}, {"L", "$BED_WIDTH/2", "$CL"}});
+  bedProfile();
   exec("INSERT INTO DesignDetails (SectionID, Chainage, BED_WIDTH) VALUES (1, 0, 10)");
-  section(0.25f);
-  EXPECT_EQ(nLeft, -7);
-  EXPECT_EQ(reporter.errors,
-            QStringList{QStringLiteral(
-                "Chainage : 0.25>Unknown Error encountered. This is inconceivable")});
+  const std::string error = "Chainage : 0.25>Unknown Error encountered. This is inconceivable";
+  EXPECT_EQ(std::get<0>(section(0.25f)), -7);
+  EXPECT_EQ(errorText().toStdString(), error);
   // Nothing was loaded, so the next call tries again.
   exec("INSERT INTO DesignQty (SectionID, Chainage) VALUES (1, 1)");
-  section(0.25f);
-  EXPECT_EQ(nLeft, 2);
-  EXPECT_EQ(reporter.errors.size(), 1);
-}
-
-using Points = std::vector<std::pair<float, float>>;
-Points points(const std::vector<engine::DesignPoint>& side) {
-  Points out;
-  for (const auto& p : side) out.emplace_back(p.Offset, p.Level);
-  return out;
+  EXPECT_EQ(section(0.25f), Outcome(2, 1, {{0, 100}, {5, 100}}, {{0, 100}}, error));
 }
 
 // The centre point starts both sides; each row's formulas see the previous point of its side,
@@ -134,24 +130,17 @@ TEST_F(DesignSectionTest, PointsFollowTheProfileRowsOfTheirSide) {
            {"R", "$RP_Off+1", "$CL+$RP_Off"},
            {"R", "$RP_Off+1", "$CL+$RP_Off"}});
   oneDetailsRow();
-  section(0.5f);
-  EXPECT_EQ(nLeft, 3);
-  EXPECT_EQ(nRight, 3);
-  EXPECT_EQ(points(design().LeftDesignPoints), (Points{{0, 99}, {3, 100}, {7, 102}}));
-  EXPECT_EQ(points(design().RightDesignPoints), (Points{{0, 99}, {1, 100}, {2, 101}}));
+  EXPECT_EQ(section(0.5f),
+            Outcome(3, 3, {{0, 99}, {3, 100}, {7, 102}}, {{0, 99}, {1, 100}, {2, 101}}, ""));
   EXPECT_EQ((Points{{lpOff, lpVal}, {rpOff, rpVal}}), (Points{{7, 102}, {2, 101}}));
 }
 
 TEST_F(DesignSectionTest, UnknownRowIsReportedAndSkipped) {
   profile({{"C", "0", "$CL"}, {"X", "1", "1"}, {"L", "3", "$CL"}});
   oneDetailsRow();
-  section(0.125f);
-  EXPECT_EQ(nLeft, 2);
-  EXPECT_EQ(nRight, 1);
-  EXPECT_EQ(reporter.errors,
-            QStringList{
-                QStringLiteral("Chainage : 0.125>Error encountered in design formula. Unrecognized "
-                               "value.")});
+  EXPECT_EQ(section(0.125f),
+            Outcome(2, 1, {{0, 100}, {3, 100}}, {{0, 100}},
+                    "Chainage : 0.125>Error encountered in design formula. Unrecognized value."));
 }
 
 TEST_F(DesignSectionTest, SidesLongerThanTwentyOnePointsAreKeptWhole) {
@@ -162,14 +151,13 @@ TEST_F(DesignSectionTest, SidesLongerThanTwentyOnePointsAreKeptWhole) {
                .arg(i + 1));
   ASSERT_FALSE(session.LoadDesignProfile());
   oneDetailsRow();
-  section(0);
-  EXPECT_EQ(nLeft, 25);
+  EXPECT_EQ(std::get<0>(section(0)), 25);
   ASSERT_EQ(design().LeftDesignPoints.size(), 25u);
   EXPECT_FLOAT_EQ(design().LeftDesignPoints[24].Offset, 25);
 }
 
 TEST_F(DesignSectionTest, DetailsColumnsAreTheOnlyVariablesOfTheQuantityColumns) {
-  profile({{"C", "0", "$CL"}, {"L", "$BED_WIDTH/2", "$CL"}});
+  bedProfile();
   exec("DELETE FROM QtyDefine");
   exec(
       "INSERT INTO QtyDefine (DesignID, ColNo, QType, StartOffset, EndOffset, LRB) VALUES "
@@ -177,12 +165,12 @@ TEST_F(DesignSectionTest, DetailsColumnsAreTheOnlyVariablesOfTheQuantityColumns)
       "(1, 2, 'FILL', '1', '100', 'B')");
   oneDetailsRow();
   section(0);
-  ASSERT_EQ(design().QtyDefine.size(), 2u);
-  const engine::QtyDefineRow& cut = design().QtyDefine[0];
-  EXPECT_EQ(std::tie(cut.ColNo, cut.QType, cut.StartOffset, cut.EndOffset, cut.LRB),
-            std::make_tuple(1, QStringLiteral("CUT"), 5.0f, 30.0f, QStringLiteral("L")));
-  EXPECT_EQ(design().QtyDefine[1].ColNo, 2);
-  EXPECT_FLOAT_EQ(design().QtyDefine[1].EndOffset, 100);
+  using Row = std::tuple<int, std::string, float, float, std::string>;
+  std::vector<Row> rows;
+  for (const engine::QtyDefineRow& r : design().QtyDefine)
+    rows.emplace_back(r.ColNo, r.QType.toStdString(), r.StartOffset, r.EndOffset,
+                      r.LRB.toStdString());
+  EXPECT_EQ(rows, (std::vector<Row>{{1, "CUT", 5, 30, "L"}, {2, "FILL", 1, 100, "B"}}));
 }
 
 TEST_F(DesignSectionTest, ResetSyncsQuantityChainagesOnlyWhenMarked) {
