@@ -1,6 +1,7 @@
 #pragma once
 
 #include "sheets/frmdatagrid.h"
+#include "sheets/gridcontrol.h"
 #include "sheets/modgridstyles.h"
 #include "sheets/sheetcontext.h"
 #include "tests/testsupport.h"
@@ -52,6 +53,13 @@ class RecordingMainWindow : public sheets::MainWindowLink {
   QList<QWidget*> shown;
   QList<int> doubleClickedRows;
 };
+
+// The header texts of every column.
+inline QStringList headers(const sheets::GridControl& grid) {
+  QStringList texts;
+  for (int col = 0; col < grid.Cols(); ++col) texts.append(grid.Text(-1, col));
+  return texts;
+}
 
 class SheetsFixture {
  public:

@@ -15,6 +15,7 @@
 
 using sheets::frmReport;
 using sheets::GridControl;
+using sheetstest::headers;
 using sheetstest::SheetsFixture;
 
 namespace {
@@ -56,78 +57,63 @@ class SmallProject {
   std::unique_ptr<engine::EngineSession> session;
 };
 
-QStringList headers(const GridControl& grid) {
-  QStringList texts;
-  for (int col = 0; col < grid.Cols(); ++col) texts.append(grid.Text(-1, col));
-  return texts;
-}
-
-void compareCells(const GridControl& grid, const engine::MemoryReportGrid& expected, int cols) {
-  QCOMPARE(grid.Rows(), expected.RowCount());
-  for (int row = 0; row < expected.RowCount(); ++row) {
-    for (int col = 0; col < cols; ++col) {
-      QCOMPARE(grid.Text(row, col), expected.text(row, col));
-      QCOMPARE(grid.CellBold(row, col), expected.bold(row, col));
-    }
-  }
-}
-
 }  // namespace
 
 class TestFrmReport : public QObject {
   Q_OBJECT
 
  private slots:
-  void quantitySummaryShowsTheEnginesRows() {
-    SmallProject project;
-    const engine::MemoryReportGrid expected = project.expected();
-    QCOMPARE(expected.RowCount(), 7);  // six chainages and the totals
-
-    std::unique_ptr<frmReport> report(
-        sheets::modGridStyles::ShowQuantitySummary(project.fixture.context()));
-    QVERIFY(report);
-
-    QCOMPARE(report->windowTitle(), QStringLiteral("Quantity Summary"));
-    QCOMPARE(report->strCurrentDataSheet, QStringLiteral("QuantitySummary"));
-    QCOMPARE(headers(report->scg()),
-             (QStringList{"Chainage", "Cut Area", "Fill Area", "Cut Volume", "Fill Volume"}));
-    compareCells(report->scg(), expected, 5);
-    QVERIFY(report->scg().CellBold(6, 3));
-    QVERIFY(report->scg().Redraw());
-    QVERIFY(report->isVisible());
-  }
-
-  void areaCalculation_data() {
+  // The summary (no chainage) or the area details at 0.04 km: the engine's cells, bold included.
+  void reportShowsTheEnginesGrid_data() {
+    QTest::addColumn<bool>("area");
     QTest::addColumn<bool>("executed");
     QTest::addColumn<int>("cols");
-    QTest::newRow("ground levels only") << false << 10;
-    QTest::newRow("with executed levels") << true << 19;
+    QTest::newRow("quantity summary") << false << false << 5;
+    QTest::newRow("area, ground levels only") << true << false << 10;
+    QTest::newRow("area, with executed levels") << true << true << 19;
   }
-  void areaCalculation() {
+  void reportShowsTheEnginesGrid() {
+    QFETCH(bool, area);
     QFETCH(bool, executed);
     QFETCH(int, cols);
     SmallProject project;
     project.fixture.useExecutedLevel = executed;
-    const engine::MemoryReportGrid expected = project.expected(0.04f, executed);
+    const auto expected = area ? project.expected(0.04f, executed) : project.expected();
     QVERIFY(expected.RowCount() > 2);
-
-    std::unique_ptr<frmReport> report(
-        sheets::modGridStyles::ShowAreaCalculation(project.fixture.context(), 0.04f));
+    if (!area) QCOMPARE(expected.RowCount(), 7);  // six chainages and the totals
+    namespace styles = sheets::modGridStyles;
+    const sheets::SheetContext context = project.fixture.context();
+    std::unique_ptr<frmReport> report(area ? styles::ShowAreaCalculation(context, 0.04f)
+                                           : styles::ShowQuantitySummary(context));
     QVERIFY(report);
     const GridControl& grid = report->scg();
-
-    QCOMPARE(report->windowTitle(), QStringLiteral("Area Calculation for Chainage : 0.04"));
-    QCOMPARE(report->strCurrentDataSheet, QStringLiteral("QuantityDetails"));
-    QCOMPARE(grid.Cols(), cols);
-    QCOMPARE(grid.HeaderHeight(), 65);
-    const QStringList shown = headers(grid);
-    QCOMPARE(shown.mid(0, 10),
-             (QStringList{"Offset", "OGL", "Design Level", "Depth of Cut", "Depth of Fill",
-                          "Avg Depth of Cut", "Avg Depth of Fill", "Horiz Distance", "Cut Area",
-                          "Fill Area"}));
-    for (int col = 10; col < cols; ++col) QCOMPARE(shown[col], QString());
-    for (int col = 0; col < cols; ++col) QCOMPARE(grid.ColWidth(col), 60);
-    compareCells(grid, expected, cols);
+    QCOMPARE(report->windowTitle() + '|' + report->strCurrentDataSheet,
+             area ? QStringLiteral("Area Calculation for Chainage : 0.04|QuantityDetails")
+                  : QStringLiteral("Quantity Summary|QuantitySummary"));
+    QStringList columns =
+        area ? QStringList{"Offset",
+                           "OGL",
+                           "Design Level",
+                           "Depth of Cut",
+                           "Depth of Fill",
+                           "Avg Depth of Cut",
+                           "Avg Depth of Fill",
+                           "Horiz Distance",
+                           "Cut Area",
+                           "Fill Area"}
+             : QStringList{"Chainage", "Cut Area", "Fill Area", "Cut Volume", "Fill Volume"};
+    while (columns.size() < cols) columns.append(QString());
+    QCOMPARE(headers(grid), columns);
+    QCOMPARE(grid.Rows(), expected.RowCount());
+    for (int row = 0; row < expected.RowCount(); ++row)
+      for (int col = 0; col < cols; ++col) {
+        QCOMPARE(grid.Text(row, col), expected.text(row, col));
+        QCOMPARE(grid.CellBold(row, col), expected.bold(row, col));
+      }
+    QVERIFY(grid.Redraw() && report->isVisible());
+    if (!area) QVERIFY(grid.CellBold(6, 3));
+    if (area) QCOMPARE(grid.HeaderHeight(), 65);
+    for (int col = 0; area && col < cols; ++col) QCOMPARE(grid.ColWidth(col), 60);
   }
 
   void reportsOpenNewWindowsThatHandRowHeadersToTheMainWindow() {
@@ -159,7 +145,6 @@ class TestFrmReport : public QObject {
     report.show();
     QVERIFY(QTest::qWaitForWindowExposed(&report));
     report.scg().TopRow(1);
-
     report.MouseWheel(0, 120, 0, 0);
     QCOMPARE(report.scg().TopRow(), 0);
 

@@ -8,17 +8,8 @@
 #include <QTest>
 
 using sheets::GridControl;
+using sheetstest::headers;
 using sheetstest::SheetsFixture;
-
-namespace {
-
-QStringList headers(const GridControl& grid) {
-  QStringList texts;
-  for (int col = 0; col < grid.Cols(); ++col) texts.append(grid.Text(-1, col));
-  return texts;
-}
-
-}  // namespace
 
 class TestModGridStyles : public QObject {
   Q_OBJECT
