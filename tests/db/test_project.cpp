@@ -6,13 +6,25 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 using testsupport::rowCount;
 using testsupport::TempProject;
 
 namespace {
 
-// A file of text, and an SQLite database without the project tables.
-TEST(OpenProject, ForeignFilesAreRefusedNamingFileAndReason) {
+// The first row of a query, every column as a number.
+std::vector<double> firstRow(db::Connection& c, const char* sql) {
+  db::Statement st = c.prepare(QString::fromLatin1(sql));
+  std::vector<double> row;
+  if (st.step())
+    for (int i = 0; i < st.columnCount(); ++i) row.push_back(st.real(i));
+  return row;
+}
+
+// A file of text, an SQLite database without the project tables and a file that is not there;
+// the last must not be created.
+TEST(OpenProject, ForeignAndMissingFilesAreRefusedNamingFileAndReason) {
   TempProject project;
   const QString notes = project.path(QStringLiteral("notes.delvane"));
   QFile f(notes);
@@ -22,12 +34,14 @@ TEST(OpenProject, ForeignFilesAreRefusedNamingFileAndReason) {
   const QString other = project.path(QStringLiteral("other.delvane"));
   db::Connection::open(other, db::Connection::Mode::Create)
       ->exec(QStringLiteral("CREATE TABLE Package (ID INTEGER)"));
+  const QString absent = project.path(QStringLiteral("absent.delvane"));
   const struct {
     QString path;
     QStringList mentioned;
   } cases[] = {
       {notes, {notes, QStringLiteral("not an SQLite database")}},
-      {other, {QStringLiteral("is not a Delvane project file"), QStringLiteral("Sections")}}};
+      {other, {QStringLiteral("is not a Delvane project file"), QStringLiteral("Sections")}},
+      {absent, {}}};
   for (const auto& k : cases) {
     try {
       db::openProject(k.path);
@@ -36,38 +50,31 @@ TEST(OpenProject, ForeignFilesAreRefusedNamingFileAndReason) {
       for (const QString& text : k.mentioned) EXPECT_TRUE(e.message().contains(text)) << e.what();
     }
   }
-}
-
-TEST(OpenProject, MissingFileIsRefused) {
-  TempProject project;
-  EXPECT_THROW(db::openProject(project.path(QStringLiteral("absent.delvane"))), db::Error);
-  EXPECT_FALSE(QFile::exists(project.path(QStringLiteral("absent.delvane"))));
+  EXPECT_FALSE(QFile::exists(absent));
 }
 
 TEST(OpenProject, AddsTheChainageIndexesToAForeignFile) {
   TempProject project;
-  db::Connection& made = project.create();
-  made.exec(QStringLiteral("DROP INDEX idx_Initial_SectionChainage"));
+  project.create().exec(QStringLiteral("DROP INDEX idx_Initial_SectionChainage"));
   auto reopened = db::openProject(project.path());
-  EXPECT_EQ(reopened->scalar(QStringLiteral("SELECT COUNT(*) FROM sqlite_master WHERE "
-                                            "type='index' AND name LIKE 'idx_%'")),
-            5.0);
+  EXPECT_EQ(firstRow(*reopened,
+                     "SELECT COUNT(*) FROM sqlite_master WHERE type='index' AND name "
+                     "LIKE 'idx_%'"),
+            std::vector<double>{5});
 }
 
-TEST(CreateProject, RefusesToOverwrite) {
-  TempProject project;
-  project.create();
-  EXPECT_THROW(db::createProject(project.path(), false), db::Error);
-  EXPECT_EQ(rowCount(project.connection(), QStringLiteral("DesignExp")), 7);
-}
-
-TEST(CreateProject, TemplateHasDesignOneAndItsQuantityColumns) {
+// Design 1 with its profile and two quantity columns over both sides, no packages; a second
+// creation is refused and leaves the file as it was.
+TEST(CreateProject, TemplateHasDesignOneAndIsNeverOverwritten) {
   TempProject project;
   db::Connection& c = project.create();
-  EXPECT_EQ(rowCount(c, QStringLiteral("DesignExp"), QStringLiteral("DesignID=1")), 7);
-  EXPECT_EQ(rowCount(c, QStringLiteral("QtyDefine"), QStringLiteral("DesignID=1 AND LRB='B'")), 2);
-  EXPECT_EQ(rowCount(c, QStringLiteral("DesignList"), QStringLiteral("ID=1")), 1);
-  EXPECT_EQ(rowCount(c, QStringLiteral("Package")), 0);
+  EXPECT_THROW(db::createProject(project.path(), false), db::Error);
+  EXPECT_EQ(firstRow(c,
+                     "SELECT (SELECT COUNT(*) FROM DesignExp), (SELECT COUNT(*) FROM DesignExp "
+                     "WHERE DesignID=1), (SELECT COUNT(*) FROM QtyDefine WHERE DesignID=1 AND "
+                     "LRB='B'), (SELECT COUNT(*) FROM DesignList WHERE ID=1), (SELECT COUNT(*) "
+                     "FROM Package)"),
+            (std::vector<double>{7, 7, 2, 1, 0}));
 }
 
 TEST(CreateProject, DemoIsRealisticAndTheSameEveryTime) {
@@ -75,26 +82,20 @@ TEST(CreateProject, DemoIsRealisticAndTheSameEveryTime) {
   db::Connection& a = project.create(true, QStringLiteral("a.delvane"));
   db::createProject(project.path(QStringLiteral("b.delvane")), true);
   auto b = db::openProject(project.path(QStringLiteral("b.delvane")));
+  const char* digest = "SELECT COUNT(*), SUM(Chainage), SUM(Offset), SUM(Level) FROM Initial";
+  EXPECT_EQ(firstRow(a, digest), firstRow(*b, digest));
   EXPECT_EQ(rowCount(a, QStringLiteral("Sections")), 2);
-  const QString digest =
-      QStringLiteral("SELECT COUNT(*), SUM(Chainage), SUM(Offset), SUM(Level) FROM Initial");
-  db::Statement sa = a.prepare(digest);
-  db::Statement sb = b->prepare(digest);
-  ASSERT_TRUE(sa.step());
-  ASSERT_TRUE(sb.step());
-  for (int i = 0; i < 4; ++i) EXPECT_EQ(sa.real(i), sb.real(i)) << i;
 
   // A few hundred chainages 20 m apart, 15 to 40 readings each, one on the centre line.
-  const int chainages = static_cast<int>(
-      a.scalar(QStringLiteral("SELECT COUNT(*) FROM (SELECT DISTINCT SectionID, Chainage FROM "
-                              "Initial)"))
-          .value_or(0));
+  const int chainages =
+      rowCount(a, QStringLiteral("(SELECT DISTINCT SectionID, Chainage FROM Initial)"));
   EXPECT_GE(chainages, 200);
-  db::Statement readings = a.prepare(QStringLiteral(
-      "SELECT MIN(n), MAX(n) FROM (SELECT COUNT(*) n FROM Initial GROUP BY SectionID, Chainage)"));
-  ASSERT_TRUE(readings.step());
-  EXPECT_GE(readings.int64(0), 10);
-  EXPECT_LE(readings.int64(1), 40);
+  const auto readings = firstRow(
+      a,
+      "SELECT MIN(n), MAX(n) FROM (SELECT COUNT(*) n FROM Initial GROUP BY SectionID, Chainage)");
+  ASSERT_EQ(readings.size(), 2u);
+  EXPECT_GE(readings[0], 10);
+  EXPECT_LE(readings[1], 40);
   EXPECT_EQ(rowCount(a, QStringLiteral("(SELECT DISTINCT SectionID, Chainage FROM Initial WHERE "
                                        "Offset=0)")),
             chainages);
