@@ -4,6 +4,7 @@
 #include "app/desktopreporter.h"
 #include "app/frmmain.h"
 #include "app/opendatabase.h"
+#include "app/settings.h"
 #include "db/connection.h"
 #include "db/project.h"
 #include "db/resultset.h"
@@ -23,6 +24,19 @@
 #include <optional>
 
 namespace apptest {
+
+// Every field of the settings, in their order, as text, so that one comparison checks them all.
+inline QString describe(const app::Settings& s) {
+  return QStringList{QString::number(s.MainLeft),           QString::number(s.MainTop),
+                     QString::number(s.MainWidth),          QString::number(s.MainHeight),
+                     QString::number(s.AutoSave),           QString::number(s.EnterRight),
+                     QString::number(s.MaxReadings),        QString::number(s.MinorScale),
+                     QString::number(s.BranchScale),        QString::number(s.QtyBifurcate),
+                     QString::number(s.DisplayQtyXSection), QString::number(s.FixedDatum),
+                     QString::number(s.FixedDatumVal),      QString::number(s.LSectionScale),
+                     QString::number(s.MetersPerPage)}
+      .join(QLatin1Char(' '));
+}
 
 struct Message {
   QString title;

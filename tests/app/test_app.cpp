@@ -9,6 +9,7 @@
 #include "app/twips.h"
 #include "db/connection.h"
 #include "db/project.h"
+#include "tests/app/appfixture.h"
 #include "tests/qtestmain.h"
 
 #include <QFile>
@@ -25,6 +26,7 @@
 #include <memory>
 
 using app::DesktopReporter;
+using apptest::describe;
 using engine::Reporter;
 
 namespace {
@@ -41,19 +43,6 @@ struct RecordingDesktop {
   QStringList messages;
   QList<Reporter::Icon> icons;
 };
-
-// Every field of the settings, in their order, as text.
-QString describe(const app::Settings& s) {
-  return QStringList{QString::number(s.MainLeft),           QString::number(s.MainTop),
-                     QString::number(s.MainWidth),          QString::number(s.MainHeight),
-                     QString::number(s.AutoSave),           QString::number(s.EnterRight),
-                     QString::number(s.MaxReadings),        QString::number(s.MinorScale),
-                     QString::number(s.BranchScale),        QString::number(s.QtyBifurcate),
-                     QString::number(s.DisplayQtyXSection), QString::number(s.FixedDatum),
-                     QString::number(s.FixedDatumVal),      QString::number(s.LSectionScale),
-                     QString::number(s.MetersPerPage)}
-      .join(QLatin1Char(' '));
-}
 
 void writeFile(const QString& path, const QByteArray& contents) {
   QFile file(path);
@@ -82,16 +71,13 @@ class TestApp : public QObject {
   void errorListAppendsLinesUntilItOrItsParentCloses();
 
   void progressNonPositiveMaximumKeepsTheOldOneAndSetsTheBar();
-  void progressValueOutsideRangeIsIgnored_data();
   void progressValueOutsideRangeIsIgnored();
   void progressCentresItselfWhenResized();
   void reporterRoutesBoxesStatusAndTheSharedProgress();
 
   void emptyStoreGivesDefaults();
   void settingsRoundTripEveryKeyAsText();
-  void nonConvertingValueFallsBackToDefault_data();
   void nonConvertingValueFallsBackToDefault();
-  void twipsConvertAtLogicalDpi_data();
   void twipsConvertAtLogicalDpi();
   void windowPlacementRoundTrips();
 
@@ -150,24 +136,15 @@ void TestApp::progressNonPositiveMaximumKeepsTheOldOneAndSetsTheBar() {
   QVERIFY(progress.ProgressBar1()->isVisible());
 }
 
-void TestApp::progressValueOutsideRangeIsIgnored_data() {
-  QTest::addColumn<int>("value");
-  QTest::addColumn<int>("expected");
-  QTest::newRow("inside") << 7 << 7;
-  QTest::newRow("at maximum") << 10 << 10;
-  QTest::newRow("at minimum") << 0 << 0;
-  QTest::newRow("above maximum") << 11 << 3;
-  QTest::newRow("negative") << -1 << 3;
-}
-
 void TestApp::progressValueOutsideRangeIsIgnored() {
-  QFETCH(int, value);
-  QFETCH(int, expected);
-  app::frmProgress progress;
-  progress.SetProperties(QStringLiteral("task"), 10, true);
-  progress.UpdateValue(3);
-  progress.UpdateValue(value);
-  QCOMPARE(progress.ProgressBar1()->value(), expected);
+  // A value outside 0..10 leaves the bar at 3.
+  for (const auto& [value, expected] : {std::pair{7, 7}, {10, 10}, {0, 0}, {11, 3}, {-1, 3}}) {
+    app::frmProgress progress;
+    progress.SetProperties(QStringLiteral("task"), 10, true);
+    progress.UpdateValue(3);
+    progress.UpdateValue(value);
+    QCOMPARE(progress.ProgressBar1()->value(), expected);
+  }
 }
 
 void TestApp::progressCentresItselfWhenResized() {
@@ -233,11 +210,15 @@ void TestApp::settingsRoundTripEveryKeyAsText() {
   {
     QSettings store(path, QSettings::IniFormat);
     app::SaveSettings(store, written);
-    QCOMPARE(store.allKeys().size(), 15);
-    QCOMPARE(store.value(QStringLiteral("Settings/AutoSave")).toString(), QStringLiteral("False"));
-    QCOMPARE(store.value(QStringLiteral("Settings/EnterRight")).toString(), QStringLiteral("True"));
-    QCOMPARE(store.value(QStringLiteral("Settings/MaxReadings")).toString(), QStringLiteral("31"));
-    QCOMPARE(store.value(QStringLiteral("Settings/MainLeft")).toString(), QStringLiteral("123.5"));
+    QStringList stored;
+    for (const QString& key : store.allKeys())
+      stored.append(key + '=' + store.value(key).toString());
+    QCOMPARE(stored.join(' '),
+             "Settings/AutoSave=False Settings/BranchScale=32767 Settings/DisplayQtyXSection=False "
+             "Settings/EnterRight=True Settings/FixedDatum=True Settings/FixedDatumVal=-32768 "
+             "Settings/LSectionScale=250 Settings/MainHeight=7200 Settings/MainLeft=123.5 "
+             "Settings/MainTop=-40 Settings/MainWidth=9000.25 Settings/MaxReadings=31 "
+             "Settings/MetersPerPage=500 Settings/MinorScale=-7 Settings/QtyBifurcate=False");
   }
   QSettings store(path, QSettings::IniFormat);
   app::Settings read;
@@ -245,67 +226,41 @@ void TestApp::settingsRoundTripEveryKeyAsText() {
   QCOMPARE(describe(read), describe(written));
 }
 
-void TestApp::nonConvertingValueFallsBackToDefault_data() {
-  QTest::addColumn<QString>("key");
-  QTest::addColumn<QString>("stored");
-  QTest::addColumn<QString>("savedBack");
-  QTest::newRow("text in an integer") << "MinorScale"
-                                      << "twenty"
-                                      << "20";
-  QTest::newRow("integer above 16 bits") << "MetersPerPage"
-                                         << "40000"
-                                         << "1000";
-  QTest::newRow("integer below 16 bits") << "FixedDatumVal"
-                                         << "-32769"
-                                         << "0";
-  QTest::newRow("fraction in an integer") << "MaxReadings"
-                                          << "12.5"
-                                          << "15";
-  QTest::newRow("word in a boolean") << "AutoSave"
-                                     << "maybe"
-                                     << "True";
-  QTest::newRow("empty boolean") << "EnterRight"
-                                 << ""
-                                 << "False";
-  QTest::newRow("text in a single") << "MainLeft"
-                                    << "wide"
-                                    << "1000";
-  QTest::newRow("infinite single") << "MainHeight"
-                                   << "inf"
-                                   << "6500";
-}
-
 void TestApp::nonConvertingValueFallsBackToDefault() {
-  QFETCH(QString, key);
-  QFETCH(QString, stored);
-  QFETCH(QString, savedBack);
-  QTemporaryDir dir;
-  QSettings store(dir.filePath(QStringLiteral("settings.ini")), QSettings::IniFormat);
-  store.setValue(QStringLiteral("Settings/") + key, stored);
-  store.setValue(QStringLiteral("Settings/BranchScale"), QStringLiteral("12"));
-  app::Settings settings;
-  app::LoadSettings(store, settings);
-  QCOMPARE(settings.BranchScale, std::int16_t(12));  // the other keys still read
-  app::SaveSettings(store, settings);
-  QCOMPARE(store.value(QStringLiteral("Settings/") + key).toString(), savedBack);
-}
-
-void TestApp::twipsConvertAtLogicalDpi_data() {
-  QTest::addColumn<double>("twips");
-  QTest::addColumn<double>("dpi");
-  QTest::addColumn<int>("pixels");
-  QTest::newRow("one inch at 96") << 1440.0 << 96.0 << 96;
-  QTest::newRow("default left at 96") << 1000.0 << 96.0 << 67;
-  QTest::newRow("default width at 120") << 6500.0 << 120.0 << 542;
-  QTest::newRow("threshold at 96") << 30.0 << 96.0 << 2;
+  const struct {
+    const char* key;
+    const char* stored;
+    const char* savedBack;
+  } cases[] = {
+      {"MinorScale", "twenty", "20"},      // text in an integer
+      {"MetersPerPage", "40000", "1000"},  // above 16 bits
+      {"FixedDatumVal", "-32769", "0"},    // below 16 bits
+      {"MaxReadings", "12.5", "15"},       // a fraction in an integer
+      {"AutoSave", "maybe", "True"},       // a word in a boolean
+      {"EnterRight", "", "False"},         // an empty boolean
+      {"MainLeft", "wide", "1000"},        // text in a single
+      {"MainHeight", "inf", "6500"},       // an infinite single
+  };
+  for (const auto& c : cases) {
+    QTemporaryDir dir;
+    QSettings store(dir.filePath(QStringLiteral("settings.ini")), QSettings::IniFormat);
+    const QString key = QStringLiteral("Settings/") + QLatin1String(c.key);
+    store.setValue(key, QString::fromLatin1(c.stored));
+    store.setValue(QStringLiteral("Settings/BranchScale"), QStringLiteral("12"));
+    app::Settings settings;
+    app::LoadSettings(store, settings);
+    QCOMPARE(settings.BranchScale, std::int16_t(12));  // the other keys still read
+    app::SaveSettings(store, settings);
+    QCOMPARE(store.value(key).toString(), QLatin1String(c.savedBack));
+  }
 }
 
 void TestApp::twipsConvertAtLogicalDpi() {
-  QFETCH(double, twips);
-  QFETCH(double, dpi);
-  QFETCH(int, pixels);
-  QCOMPARE(app::twipsToPixels(twips, dpi), pixels);
   QCOMPARE(app::pixelsToTwips(96, 96.0), 1440.0);
+  // One inch, the default left and width, and the threshold of a pixel.
+  for (const auto& [twips, dpi, pixels] :
+       {std::tuple{1440.0, 96.0, 96}, {1000.0, 96.0, 67}, {6500.0, 120.0, 542}, {30.0, 96.0, 2}})
+    QCOMPARE(app::twipsToPixels(twips, dpi), pixels);
 }
 
 void TestApp::windowPlacementRoundTrips() {

@@ -1,8 +1,10 @@
+#include "app/frmsplash.h"
 #include "app/mdiarrange.h"
 #include "engine/session.h"
 #include "tests/app/appfixture.h"
 #include "tests/qtestmain.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QDate>
 #include <QFileInfo>
@@ -10,6 +12,7 @@
 #include <QMenu>
 #include <QSettings>
 #include <QStandardPaths>
+#include <QTimer>
 #include <QToolBar>
 
 using apptest::Desk;
@@ -24,7 +27,7 @@ class TestFrmMain : public QObject {
   void commandsHaveTheirKeysAndButtonsTheirPictures();
   void menusFollowTheCurrentPackageAndSection_data();
   void menusFollowTheCurrentPackageAndSection();
-  void editCommandsFollowTheActiveDataSheetAndSaveSaysDisabledOtherwise();
+  void saveSaysDisabledWithoutADataSheet();
   void executedLevelSwitchReachesTheEngine();
   void viewMenuHidesToolbarAndStatusBar();
 
@@ -34,14 +37,12 @@ class TestFrmMain : public QObject {
   void initialSetNeedsASectionAsksThenOrdersTheReadings();
   void drillDownWalksFromPackageToSection();
 
-  void horizontalTilesStackAndFillTheArea_data();
-  void horizontalTilesStackAndFillTheArea();
-  void verticalTilesAndIconPositions();
+  void tilesSplitTheAreaAndIconsStackUpwards();
   void windowCommandsTileArrangeAndList();
 
   void exportKindFollowsTheFileName();
   void closingWritesTheWindowPlacement();
-  void helpWithoutTheManualSaysWhy();
+  void helpWithoutTheManualSaysWhyAndAboutShowsTheVersion();
 };
 
 void TestFrmMain::commandsHaveTheirKeysAndButtonsTheirPictures() {
@@ -64,51 +65,57 @@ void TestFrmMain::commandsHaveTheirKeysAndButtonsTheirPictures() {
 void TestFrmMain::menusFollowTheCurrentPackageAndSection_data() {
   QTest::addColumn<int>("packageId");
   QTest::addColumn<int>("sectionId");
-  QTest::newRow("no package") << 0 << 0;
-  QTest::newRow("package chosen") << 3 << 0;
-  QTest::newRow("section chosen") << 3 << 5;
+  QTest::addColumn<QString>("child");
+  QTest::addColumn<QString>("enabled");
+  const QString outputs = QStringLiteral(
+      "mnuDataDesign mnuDataDesignSummary mnuDataOutlets mnuDataInitial mnuDataExecuted "
+      "mnuOutputXSection mnuOutputLSection mnuOutputQuantity mnuOutputViewXSec mnuOutputViewLSec "
+      "mnuOutputViewQty");
+  QTest::newRow("no package") << 0 << 0 << ""
+                              << "mnuDataPackage";
+  QTest::newRow("package chosen") << 3 << 0 << ""
+                                  << "mnuDataPackage mnuDataSections";
+  QTest::newRow("section chosen") << 3 << 5 << ""
+                                  << "mnuDataPackage mnuDataSections " + outputs + " tbBlockBar";
+  QTest::newRow("data sheet") << 0 << 0 << "sheet"
+                              << "mnuDataPackage mnuEdit mnuEditAdd mnuViewDetail mnuLockColumn "
+                                 "mnuViewFreeze mnuViewRefresh tbToolBar/Filter tbToolBar/Add";
+  QTest::newRow("viewer over the sheet") << 0 << 0 << "viewer"
+                                         << "mnuDataPackage";
 }
 
+// Lists the watched commands that are enabled, and the block bar and Add button when shown.
 void TestFrmMain::menusFollowTheCurrentPackageAndSection() {
   QFETCH(int, packageId);
   QFETCH(int, sectionId);
+  QFETCH(QString, child);
+  QFETCH(QString, enabled);
   Desk desk;
   desk.state.lngPackageID = packageId;
   desk.state.lngSectionID = sectionId;
   desk.window->EnableMenus();
-  QVERIFY(desk.action("mnuDataPackage")->isEnabled());
-  QCOMPARE(desk.action("mnuDataSections")->isEnabled(), packageId != 0);
+  if (!child.isEmpty()) desk.window->dataPackage();
+  if (child == QLatin1String("viewer")) desk.window->showChild(new QLabel(child));
+  QStringList found;
   for (const char* name :
-       {"mnuDataDesign", "mnuDataDesignSummary", "mnuDataOutlets", "mnuDataInitial",
-        "mnuDataExecuted", "mnuOutputXSection", "mnuOutputLSection", "mnuOutputQuantity",
-        "mnuOutputViewXSec", "mnuOutputViewLSec", "mnuOutputViewQty"})
-    QVERIFY2(desk.action(name)->isEnabled() == (sectionId != 0), name);
-  QCOMPARE(desk.window->tbBlockBar()->isVisible(), sectionId != 0);
-  // Without a data sheet there is nothing to edit.
-  for (const char* name : {"mnuEdit", "mnuEditAdd", "mnuViewDetail", "mnuLockColumn",
-                           "mnuViewFreeze", "mnuViewRefresh", "tbToolBar/Filter"})
-    QVERIFY2(!desk.action(name)->isEnabled(), name);
-  QVERIFY(!desk.action("tbToolBar/Add")->isVisible());
+       {"mnuDataPackage",    "mnuDataSections",   "mnuDataDesign",     "mnuDataDesignSummary",
+        "mnuDataOutlets",    "mnuDataInitial",    "mnuDataExecuted",   "mnuOutputXSection",
+        "mnuOutputLSection", "mnuOutputQuantity", "mnuOutputViewXSec", "mnuOutputViewLSec",
+        "mnuOutputViewQty",  "mnuEdit",           "mnuEditAdd",        "mnuViewDetail",
+        "mnuLockColumn",     "mnuViewFreeze",     "mnuViewRefresh",    "tbToolBar/Filter"})
+    if (desk.action(name)->isEnabled()) found.append(QLatin1String(name));
+  if (desk.window->tbBlockBar()->isVisible()) found.append(QStringLiteral("tbBlockBar"));
+  if (desk.action("tbToolBar/Add")->isVisible()) found.append(QStringLiteral("tbToolBar/Add"));
+  QCOMPARE(found.join(QLatin1Char(' ')), enabled);
 }
 
-void TestFrmMain::editCommandsFollowTheActiveDataSheetAndSaveSaysDisabledOtherwise() {
+void TestFrmMain::saveSaysDisabledWithoutADataSheet() {
   Desk desk;
   desk.window->fileSave();
   QVERIFY2(desk.messages.isEmpty(), "no child: nothing to say");
-  desk.window->dataPackage();
-  QVERIFY(desk.sheet());
-  for (const char* name : {"mnuEdit", "mnuEditAdd", "mnuViewRefresh"})
-    QVERIFY2(desk.action(name)->isEnabled(), name);
-  QVERIFY(desk.action("tbToolBar/Add")->isVisible());
-
   desk.window->showChild(new QLabel(QStringLiteral("a viewer")));
-  QVERIFY(!desk.sheet());
-  QVERIFY(!desk.action("mnuEdit")->isEnabled());
-  QVERIFY(!desk.action("mnuEditAdd")->isEnabled());
-  QVERIFY(!desk.action("tbToolBar/Add")->isVisible());
   desk.action("mnuFileSave")->trigger();
-  QCOMPARE(desk.messages.size(), 1);
-  QCOMPARE(desk.messages[0].text, QStringLiteral("Disabled"));
+  QCOMPARE(desk.messagesText(), QStringLiteral("Delvane: Disabled"));
   QCOMPARE(desk.messages[0].icon, sheets::MessageIcon::Information);
 }
 
@@ -239,61 +246,41 @@ void TestFrmMain::drillDownWalksFromPackageToSection() {
   Desk desk;
   desk.exec("INSERT INTO Package (ID, Name) VALUES (4, 'North Canal')");
   desk.exec("INSERT INTO Sections (ID, PackageID, Description) VALUES (11, 4, 'Reach A')");
+  // Package, section, caption, sheet, children, Initial enabled, engine section, status panels.
+  const auto drillDown = [&desk] {
+    for (int panel = 1; panel <= 4; ++panel)
+      desk.window->setStatusPanel(panel, QStringLiteral("old"));
+    desk.sheet()->grid().SelectRow(0);
+    desk.window->DoubleClickHandler(0);
+    Desk::settle();
+    return QStringList{QString::number(desk.state.lngPackageID),
+                       QString::number(desk.state.lngSectionID),
+                       desk.window->windowTitle(),
+                       desk.window->activeSheetName(),
+                       QString::number(desk.window->mdiArea()->subWindowList().size()),
+                       QString::number(desk.action("mnuDataInitial")->isEnabled()),
+                       QString::number(desk.state.engine->sectionId()),
+                       desk.window->statusPanel(1) + desk.window->statusPanel(3) + "/" +
+                           desk.window->statusPanel(4)}
+        .join(QLatin1Char('|'));
+  };
   desk.window->dataPackage();
-  QVERIFY(desk.sheet());
-  desk.sheet()->grid().SelectRow(0);
-  desk.window->DoubleClickHandler(0);
-  Desk::settle();
-
-  QCOMPARE(desk.state.lngPackageID, 4);
+  QCOMPARE(drillDown(), QStringLiteral("4|0|Delvane - North Canal|Sections|1|0|0|oldold/old"));
   QCOMPARE(desk.state.strPackageName, QStringLiteral("North Canal"));
-  QCOMPARE(desk.window->windowTitle(), QStringLiteral("Delvane - North Canal"));
-  QVERIFY(!desk.action("mnuDataInitial")->isEnabled());
-  QCOMPARE(desk.window->activeSheetName(), QStringLiteral("Sections"));
-  QCOMPARE(desk.window->mdiArea()->subWindowList().size(), 1);
-
-  for (int panel = 1; panel <= 4; ++panel)
-    desk.window->setStatusPanel(panel, QStringLiteral("old"));
   desk.state.engine->clearQuantityChainagesMark();
-  desk.sheet()->grid().SelectRow(0);
-  desk.window->DoubleClickHandler(0);
-  Desk::settle();
-
-  QCOMPARE(desk.state.lngSectionID, 11);
-  QCOMPARE(desk.window->windowTitle(), QStringLiteral("Delvane - North Canal - Reach A"));
-  QCOMPARE(desk.state.engine->sectionId(), 11);
+  QCOMPARE(drillDown(), QStringLiteral("4|11|Delvane - North Canal - Reach A||0|1|11|/old"));
   QVERIFY(desk.state.engine->quantityChainagesOutOfDate());
-  QCOMPARE(desk.window->statusPanel(1), QString());
-  QCOMPARE(desk.window->statusPanel(3), QString());
-  QCOMPARE(desk.window->statusPanel(4), QStringLiteral("old"));
-  QVERIFY(desk.action("mnuDataInitial")->isEnabled());
-  QVERIFY(desk.window->mdiArea()->subWindowList().isEmpty());
 }
 
-void TestFrmMain::horizontalTilesStackAndFillTheArea_data() {
-  QTest::addColumn<QRect>("area");
-  QTest::addColumn<QList<int>>("heights");
-  QTest::newRow("one fills all") << QRect(0, 0, 300, 100) << QList<int>{100};
-  QTest::newRow("even split") << QRect(0, 0, 300, 100) << QList<int>{50, 50};
-  QTest::newRow("odd pixel to the first") << QRect(10, 20, 300, 100) << QList<int>{34, 33, 33};
-  QTest::newRow("none") << QRect(0, 0, 300, 100) << QList<int>{};
-}
-
-void TestFrmMain::horizontalTilesStackAndFillTheArea() {
-  QFETCH(QRect, area);
-  QFETCH(QList<int>, heights);
-  const std::vector<QRect> tiles = app::horizontalTiles(area, int(heights.size()));
-  QCOMPARE(int(tiles.size()), int(heights.size()));
-  int top = area.top();
-  for (std::size_t i = 0; i < tiles.size(); ++i) {
-    QCOMPARE(tiles[i], QRect(area.left(), top, area.width(), heights[int(i)]));
-    top += tiles[i].height();
-  }
-}
-
-void TestFrmMain::verticalTilesAndIconPositions() {
-  const std::vector<QRect> tiles = app::verticalTiles(QRect(5, 5, 101, 80), 2);
-  QCOMPARE(tiles, (std::vector<QRect>{QRect(5, 5, 51, 80), QRect(56, 5, 50, 80)}));
+void TestFrmMain::tilesSplitTheAreaAndIconsStackUpwards() {
+  using Rects = std::vector<QRect>;
+  QVERIFY(app::horizontalTiles(QRect(0, 0, 300, 100), 0).empty());
+  QCOMPARE(app::horizontalTiles(QRect(0, 0, 300, 100), 1), Rects{QRect(0, 0, 300, 100)});
+  // The odd pixel goes to the first tile.
+  QCOMPARE(app::horizontalTiles(QRect(10, 20, 300, 100), 3),
+           (Rects{QRect(10, 20, 300, 34), QRect(10, 54, 300, 33), QRect(10, 87, 300, 33)}));
+  QCOMPARE(app::verticalTiles(QRect(5, 5, 101, 80), 2),
+           (Rects{QRect(5, 5, 51, 80), QRect(56, 5, 50, 80)}));
   // Two icons fit in a row of 250; the third starts a row above.
   QCOMPARE(app::iconPositions(QRect(0, 0, 250, 400), QSize(100, 30), 3),
            (std::vector<QPoint>{QPoint(0, 370), QPoint(100, 370), QPoint(0, 340)}));
@@ -316,21 +303,18 @@ void TestFrmMain::windowCommandsTileArrangeAndList() {
     if (item->text() == QLatin1String("&1 one")) item->trigger();
   QCOMPARE(area.currentSubWindow()->windowTitle(), QStringLiteral("one"));
 
+  // The children, top to bottom and left to right.
+  const auto geometries = [&area] {
+    std::vector<QRect> all;
+    for (QMdiSubWindow* child : area.subWindowList()) all.push_back(child->geometry());
+    std::ranges::sort(all, {}, [](const QRect& r) { return std::pair(r.top(), r.left()); });
+    return all;
+  };
   desk.action("mnuWindowTileHorizontal")->trigger();
-  int covered = 0;
-  for (QMdiSubWindow* child : area.subWindowList()) {
-    QCOMPARE(child->geometry().width(), viewport.width());
-    covered += child->geometry().height();
-  }
-  QCOMPARE(covered, viewport.height());
+  QCOMPARE(geometries(), app::horizontalTiles(viewport, 3));
   QCOMPARE(area.activeSubWindow()->geometry().top(), viewport.top());  // the active one first
   desk.action("mnuWindowTileVertical")->trigger();
-  covered = 0;
-  for (QMdiSubWindow* child : area.subWindowList()) {
-    QCOMPARE(child->geometry().height(), viewport.height());
-    covered += child->geometry().width();
-  }
-  QCOMPARE(covered, viewport.width());
+  QCOMPARE(geometries(), app::verticalTiles(viewport, 3));
 
   // Minimised children go to the bottom, and tiling leaves their row free.
   const QList<QMdiSubWindow*> children = area.subWindowList(QMdiArea::CreationOrder);
@@ -353,9 +337,7 @@ void TestFrmMain::exportKindFollowsTheFileName() {
   desk.action("mnuOutputQuantity")->trigger();
   QVERIFY2(desk.messages.isEmpty(), qPrintable(desk.messagesText()));
   QVERIFY(desk.suggestedSave.endsWith(QStringLiteral(".xlsx")));
-  QFile csv(desk.saveAs);
-  QVERIFY(csv.open(QIODevice::ReadOnly));
-  QVERIFY(csv.readAll().count("\r\n") >= 3);  // a header, the chainages and the totals
+  QVERIFY(QFileInfo(desk.saveAs).size() > 0);
 
   desk.saveAs = desk.folder.filePath(QStringLiteral("book"));  // no extension: a workbook
   desk.window->outputExportQuantity();
@@ -380,7 +362,7 @@ void TestFrmMain::closingWritesTheWindowPlacement() {
   QVERIFY(store.contains(QStringLiteral("Settings/MetersPerPage")));
 }
 
-void TestFrmMain::helpWithoutTheManualSaysWhy() {
+void TestFrmMain::helpWithoutTheManualSaysWhyAndAboutShowsTheVersion() {
   Desk desk;
   desk.window->setManualFolder(desk.folder.filePath(QStringLiteral("no-manual")));
   desk.window->helpContents();
@@ -388,6 +370,16 @@ void TestFrmMain::helpWithoutTheManualSaysWhy() {
   QVERIFY(desk.messages[0].text.contains(QStringLiteral("could not be opened")));
   QVERIFY(desk.messages[0].text.contains(QStringLiteral("index.html")));
   QVERIFY(!desk.window->helpWindow());
+
+  QString about;
+  QTimer::singleShot(0, [&about] {
+    if (auto* splash = qobject_cast<app::frmSplash*>(QApplication::activeModalWidget())) {
+      about = splash->lblVersion()->text();
+      splash->close();
+    }
+  });
+  desk.action("mnuHelpAbout")->trigger();
+  QCOMPARE(about, QStringLiteral("Version 1.9.2"));
 }
 
 DELVANE_QTEST(TestFrmMain)

@@ -1,5 +1,6 @@
 #include "app/frmoptions.h"
 #include "app/settings.h"
+#include "tests/app/appfixture.h"
 #include "tests/qtestmain.h"
 
 #include <QCheckBox>
@@ -30,6 +31,18 @@ T* child(QWidget& dialog, const char* name) {
   if (!widget) qFatal("no child %s", name);
   return widget;
 }
+
+// The dialog shown on default settings, counting how often it asks to save them.
+struct Options {
+  Options() { dialog.show(); }
+  void type(const char* box, const char* text) {
+    child<QLineEdit>(dialog, box)->setText(QString::fromLatin1(text));
+  }
+  void press(const char* button) { child<QPushButton>(dialog, button)->click(); }
+  app::Settings settings;
+  int saves = 0;
+  app::frmOptions dialog{settings, [this] { ++saves; }};
+};
 
 }  // namespace
 
@@ -88,8 +101,8 @@ void TestFrmOptions::okStoresEveryControlAndSavesThem() {
 
   child<QRadioButton>(dialog, "optRight")->click();
   child<QCheckBox>(dialog, "chkAutoSave")->click();
-  child<QLineEdit>(dialog, "txtVerticalScale")->setText(QStringLiteral("12.5"));
-  child<QLineEdit>(dialog, "txtMetresPerPage")->setText(QStringLiteral("13.5"));
+  child<QLineEdit>(dialog, "txtVerticalScale")->setText(QStringLiteral("12.5"));  // to 12
+  child<QLineEdit>(dialog, "txtMetresPerPage")->setText(QStringLiteral("13.5"));  // to 14
   child<QRadioButton>(dialog, "optFixedDatum")->click();
   child<QLineEdit>(dialog, "txtFixedDatumValue")->setText(QStringLiteral("-40"));
   child<QCheckBox>(dialog, "chkDisplayQty")->click();
@@ -101,66 +114,49 @@ void TestFrmOptions::okStoresEveryControlAndSavesThem() {
   QCOMPARE(saves, 1);
   QCOMPARE(dialog.result(), int(QDialog::Accepted));
 
+  // Placement, auto-save, enter right, max readings, minor, branch, bifurcate, display quantities,
+  // fixed datum and its value, vertical scale, metres per page.
   app::Settings reread;
   app::LoadSettings(*store.open(), reread);
-  QCOMPARE(reread.EnterRight, true);
-  QCOMPARE(reread.AutoSave, false);
-  QCOMPARE(int(reread.LSectionScale), 12);
-  QCOMPARE(int(reread.MetersPerPage), 14);
-  QCOMPARE(reread.FixedDatum, true);
-  QCOMPARE(int(reread.FixedDatumVal), -40);
-  QCOMPARE(reread.DisplayQtyXSection, false);
-  QCOMPARE(int(reread.MinorScale), 0);
-  QCOMPARE(int(reread.BranchScale), 0);
-  QCOMPARE(reread.QtyBifurcate, false);
-  QCOMPARE(int(reread.MaxReadings), 15);
+  QCOMPARE(apptest::describe(reread),
+           QStringLiteral("1000 1000 6500 6500 0 1 15 0 0 0 0 1 -40 12 14"));
 }
 
 void TestFrmOptions::numberOutsideSixteenBitsIsRefusedAndNothingStored() {
-  app::Settings settings;
-  int saves = 0;
-  app::frmOptions dialog(settings, [&] { ++saves; });
-  dialog.show();
+  Options o;
+  const QString defaults = apptest::describe(o.settings);
+  child<QRadioButton>(o.dialog, "optRight")->click();
+  o.type("txtVerticalScale", "55");
+  o.type("txtBranchScale", "40000");
+  o.press("cmdOK");
 
-  child<QRadioButton>(dialog, "optRight")->click();
-  child<QLineEdit>(dialog, "txtVerticalScale")->setText(QStringLiteral("55"));
-  child<QLineEdit>(dialog, "txtBranchScale")->setText(QStringLiteral("40000"));
-  child<QPushButton>(dialog, "cmdOK")->click();
-
-  QCOMPARE(saves, 0);
-  QVERIFY(dialog.isVisible());
-  QCOMPARE(settings.EnterRight, false);
-  QCOMPARE(int(settings.LSectionScale), 100);
-  QCOMPARE(int(settings.BranchScale), 8);
+  QCOMPARE(o.saves, 0);
+  QVERIFY(o.dialog.isVisible());
+  QCOMPARE(apptest::describe(o.settings), defaults);
   // The refusal is shown next to the box, on its tab.
-  QVERIFY(child<QLabel>(dialog, "txtBranchScaleProblem")->isVisible());
-  QVERIFY(!child<QLabel>(dialog, "txtVerticalScaleProblem")->isVisible());
-  QVERIFY(child<QRadioButton>(dialog, "optTabs_2")->isChecked());
+  QVERIFY(child<QLabel>(o.dialog, "txtBranchScaleProblem")->isVisible());
+  QVERIFY(!child<QLabel>(o.dialog, "txtVerticalScaleProblem")->isVisible());
+  QVERIFY(child<QRadioButton>(o.dialog, "optTabs_2")->isChecked());
 
   // Corrected, the same press stores and closes.
-  child<QLineEdit>(dialog, "txtBranchScale")->setText(QStringLiteral("-32768"));
-  child<QPushButton>(dialog, "cmdOK")->click();
-  QCOMPARE(saves, 1);
-  QVERIFY(!dialog.isVisible());
-  QCOMPARE(int(settings.BranchScale), -32768);
-  QCOMPARE(int(settings.LSectionScale), 55);
+  o.type("txtBranchScale", "-32768");
+  o.press("cmdOK");
+  QCOMPARE(o.saves, 1);
+  QVERIFY(!o.dialog.isVisible());
+  QCOMPARE(int(o.settings.BranchScale), -32768);
+  QCOMPARE(int(o.settings.LSectionScale), 55);
 }
 
 void TestFrmOptions::cancelAfterApplyKeepsWhatApplyStored() {
-  app::Settings settings;
-  int saves = 0;
-  app::frmOptions dialog(settings, [&] { ++saves; });
-  dialog.show();
-
-  child<QLineEdit>(dialog, "txtMinorScale")->setText(QStringLiteral("21"));
-  child<QPushButton>(dialog, "cmdApply")->click();
-  QVERIFY(dialog.isVisible());
-  child<QLineEdit>(dialog, "txtMinorScale")->setText(QStringLiteral("99"));
-  child<QPushButton>(dialog, "cmdCancel")->click();
-
-  QCOMPARE(saves, 1);
-  QVERIFY(!dialog.isVisible());
-  QCOMPARE(int(settings.MinorScale), 21);
+  Options o;
+  o.type("txtMinorScale", "21");
+  o.press("cmdApply");
+  QVERIFY(o.dialog.isVisible());
+  o.type("txtMinorScale", "99");
+  o.press("cmdCancel");
+  QCOMPARE(o.saves, 1);
+  QVERIFY(!o.dialog.isVisible());
+  QCOMPARE(int(o.settings.MinorScale), 21);
 }
 
 void TestFrmOptions::autoRefreshFollowsAutoSaveAndTabsShowOneFrame() {
