@@ -13,6 +13,7 @@
 #include "tests/qtestmain.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QLabel>
 #include <QListWidget>
 #include <QPlainTextEdit>
@@ -81,14 +82,12 @@ class TestApp : public QObject {
   void twipsConvertAtLogicalDpi();
   void windowPlacementRoundTrips();
 
-  void chooserRefusalStaysOpenWithMessage_data();
   void chooserRefusalStaysOpenWithMessage();
   void chooserListsProjectFilesAndDoubleClickOpensOne();
   void newCreatesListsAndOpensProjectButNotOverAFile();
   void demoIsWrittenOnlyIntoFolderWithoutProjects();
 
-  void adoptingProjectResetsSelectionAndKeepsConnection();
-  void projectWithoutDesignProfileIsRefusedAndOldProjectKept();
+  void adoptingNeedsADesignProfileThenResetsTheSelection();
 
   void splashShowsVersionAndClosesOnClickOrKey();
 };
@@ -123,17 +122,19 @@ void TestApp::errorListAppendsLinesUntilItOrItsParentCloses() {
 
 void TestApp::progressNonPositiveMaximumKeepsTheOldOneAndSetsTheBar() {
   app::frmProgress progress;
-  progress.SetProperties(QStringLiteral("first"), 250, true);
   progress.show();
-  QCOMPARE(progress.ProgressBar1()->maximum(), 250);
-  QVERIFY(progress.ProgressBar1()->isVisible());
+  const auto shown = [&progress] {
+    return QStringLiteral("%1 %2 %3")
+        .arg(progress.progressName()->text())
+        .arg(progress.ProgressBar1()->maximum())
+        .arg(progress.ProgressBar1()->isVisible());
+  };
+  progress.SetProperties(QStringLiteral("first"), 250, true);
+  QCOMPARE(shown(), QStringLiteral("first 250 1"));
   progress.SetProperties(QStringLiteral("x"), 0, false);
-  QCOMPARE(progress.progressName()->text(), QStringLiteral("x"));
-  QCOMPARE(progress.ProgressBar1()->maximum(), 250);
-  QVERIFY(progress.ProgressBar1()->isHidden());
+  QCOMPARE(shown(), QStringLiteral("x 250 0"));
   progress.SetProperties(QStringLiteral("y"), -5, true);
-  QCOMPARE(progress.ProgressBar1()->maximum(), 250);
-  QVERIFY(progress.ProgressBar1()->isVisible());
+  QCOMPARE(shown(), QStringLiteral("y 250 1"));
 }
 
 void TestApp::progressValueOutsideRangeIsIgnored() {
@@ -279,38 +280,31 @@ void TestApp::windowPlacementRoundTrips() {
     QVERIFY(std::abs(value - 6500) < onePixel);
 }
 
-void TestApp::chooserRefusalStaysOpenWithMessage_data() {
-  QTest::addColumn<QString>("file");
-  QTest::addColumn<QStringList>("says");
-  QTest::newRow("nothing selected") << QString() << QStringList{"Select a project file"};
-  QTest::newRow("not a database") << "letter.delvane"
-                                  << QStringList{"letter.delvane", "not an SQLite database"};
-  QTest::newRow("database without tables")
-      << "other.delvane"
-      << QStringList{"other.delvane", "is not a Delvane project file", "is missing"};
-}
-
 void TestApp::chooserRefusalStaysOpenWithMessage() {
-  QFETCH(QString, file);
-  QFETCH(QStringList, says);
   ChooserFolder folder;
   db::createProject(folder.path + QStringLiteral("p.delvane"), false);
   writeFile(folder.path + QStringLiteral("letter.delvane"),
             QByteArray("Dear sir,\n").repeated(200));
   db::Connection::open(folder.path + QStringLiteral("other.delvane"), db::Connection::Mode::Create)
       ->exec(QStringLiteral("CREATE TABLE Customers (ID INTEGER, Name TEXT)"));
-  const auto chooser = folder.open();
-  chooser->File1()->clearSelection();
-  for (QListWidgetItem* item : chooser->File1()->findItems(file, Qt::MatchExactly))
-    chooser->File1()->setCurrentItem(item);
-  chooser->cmdSelect()->click();
-  QVERIFY(chooser->isVisible());
-  QCOMPARE(chooser->result(), int(QDialog::Rejected));
-  QCOMPARE(folder.desktop.messages.size(), 1);
-  for (const QString& part : says)
-    QVERIFY2(folder.desktop.messages[0].contains(part), qPrintable(folder.desktop.messages[0]));
-  if (!file.isEmpty()) QVERIFY(folder.desktop.messages[0].contains(folder.path + file));
-  QVERIFY(!chooser->takeConnection());
+  // Nothing selected, not a database, a database without the tables.
+  for (const auto& [file, says] :
+       {std::pair{QString(), QStringList{"Select a project file"}},
+        {folder.path + "letter.delvane", {"not an SQLite database"}},
+        {folder.path + "other.delvane", {"is not a Delvane project file", "is missing"}}}) {
+    folder.desktop.messages.clear();
+    const auto chooser = folder.open();
+    chooser->File1()->clearSelection();
+    for (QListWidgetItem* item : chooser->File1()->findItems(QFileInfo(file).fileName(), {}))
+      chooser->File1()->setCurrentItem(item);
+    chooser->cmdSelect()->click();
+    QVERIFY(chooser->isVisible());
+    QCOMPARE(chooser->result(), int(QDialog::Rejected));
+    QCOMPARE(folder.desktop.messages.size(), 1);
+    for (const QString& part : says + QStringList{file})
+      QVERIFY2(folder.desktop.messages[0].contains(part), qPrintable(folder.desktop.messages[0]));
+    QVERIFY(!chooser->takeConnection());
+  }
 }
 
 void TestApp::chooserListsProjectFilesAndDoubleClickOpensOne() {
@@ -369,47 +363,30 @@ void TestApp::demoIsWrittenOnlyIntoFolderWithoutProjects() {
   QVERIFY(!QFile::exists(otherFolder + db::demoProjectFileName()));
 }
 
-void TestApp::adoptingProjectResetsSelectionAndKeepsConnection() {
+void TestApp::adoptingNeedsADesignProfileThenResetsTheSelection() {
   QTemporaryDir dir;
-  const QString path = dir.filePath(QStringLiteral("canal.delvane"));
-  const QString oldPath = dir.filePath(QStringLiteral("old.delvane"));
-  db::createProject(path, true);
-  db::createProject(oldPath, false);
-  RecordingDesktop desktop;
-  app::AppState state;
-  state.reporter = &desktop.reporter;
-  QCOMPARE(app::adoptProject(state, db::openProject(oldPath), oldPath), app::OpenResult::Opened);
-  state.lngPackageID = 4;
-  state.lngSectionID = 9;
-  state.strPackageName = QStringLiteral("old");
-  // Windows on the previous project close while its connection is still open.
-  QString openDuringSwitch;
-  const auto closeWindows = [&] { openDuringSwitch = state.cnProject->path(); };
-  QCOMPARE(app::adoptProject(state, db::openProject(path), path, closeWindows),
-           app::OpenResult::Opened);
-  QCOMPARE(openDuringSwitch, oldPath);
-  QCOMPARE(&state.engine->connection(), state.cnProject.get());
-  QVERIFY(!state.engine->designProfile().empty());
-  QCOMPARE(state.strDatabasePath, path);
-  QCOMPARE(state.lngPackageID, 0);
-  QCOMPARE(state.lngSectionID, 0);
-  QVERIFY(state.strPackageName.isEmpty());
-  QVERIFY(desktop.messages.isEmpty());
-}
-
-void TestApp::projectWithoutDesignProfileIsRefusedAndOldProjectKept() {
-  QTemporaryDir dir;
-  const QString good = dir.filePath(QStringLiteral("good.delvane"));
+  const QString old = dir.filePath(QStringLiteral("old.delvane"));
+  const QString demo = dir.filePath(QStringLiteral("demo.delvane"));
   const QString empty = dir.filePath(QStringLiteral("empty.delvane"));
-  db::createProject(good, false);
+  db::createProject(old, false);
+  db::createProject(demo, true);
   db::createProject(empty, false);
   db::openProject(empty)->exec(QStringLiteral("DELETE FROM DesignExp"));
   RecordingDesktop desktop;
   app::AppState state;
   state.reporter = &desktop.reporter;
-  QCOMPARE(app::adoptProject(state, db::openProject(good), good), app::OpenResult::Opened);
+  QCOMPARE(app::adoptProject(state, db::openProject(old), old), app::OpenResult::Opened);
   db::Connection* kept = state.cnProject.get();
-  state.lngSectionID = 3;
+  state.lngPackageID = 4;
+  state.lngSectionID = 9;
+  state.strPackageName = QStringLiteral("old");
+  const auto selection = [&state] {
+    return QStringLiteral("%1 %2 %3 %4")
+        .arg(state.strDatabasePath)
+        .arg(state.lngPackageID)
+        .arg(state.lngSectionID)
+        .arg(state.strPackageName);
+  };
 
   bool replaced = false;
   QCOMPARE(app::adoptProject(state, db::openProject(empty), empty, [&] { replaced = true; }),
@@ -419,22 +396,34 @@ void TestApp::projectWithoutDesignProfileIsRefusedAndOldProjectKept() {
            QStringList{"No design profile found in the database. DB not correctly installed."});
   QCOMPARE(desktop.icons, QList<Reporter::Icon>{Reporter::Icon::Exclamation});
   QCOMPARE(state.cnProject.get(), kept);
-  QCOMPARE(state.strDatabasePath, good);
-  QCOMPARE(state.lngSectionID, 3);
+  QCOMPARE(selection(), old + QStringLiteral(" 4 9 old"));
+
+  // Windows on the previous project close while its connection is still open.
+  desktop.messages.clear();
+  QString openDuringSwitch;
+  const auto closeWindows = [&] { openDuringSwitch = state.cnProject->path(); };
+  QCOMPARE(app::adoptProject(state, db::openProject(demo), demo, closeWindows),
+           app::OpenResult::Opened);
+  QCOMPARE(openDuringSwitch, old);
+  QCOMPARE(&state.engine->connection(), state.cnProject.get());
+  QVERIFY(!state.engine->designProfile().empty());
+  QCOMPARE(selection(), demo + QStringLiteral(" 0 0 "));
+  QVERIFY(desktop.messages.isEmpty());
 }
 
 void TestApp::splashShowsVersionAndClosesOnClickOrKey() {
   app::frmSplash splash;
   QCOMPARE(splash.lblVersion()->text(), QStringLiteral("Version 1.9.2"));
   QVERIFY(!splash.lblNotice()->text().isEmpty());
-  splash.show();
-  QVERIFY(QTest::qWaitForWindowExposed(&splash));
-  QTest::mouseClick(splash.lblNotice(), Qt::LeftButton);
-  QVERIFY(!splash.isVisible());
-  splash.show();
-  QVERIFY(QTest::qWaitForWindowExposed(&splash));
-  QTest::keyClick(&splash, Qt::Key_A);
-  QVERIFY(!splash.isVisible());
+  for (bool click : {true, false}) {
+    splash.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&splash));
+    if (click)
+      QTest::mouseClick(splash.lblNotice(), Qt::LeftButton);
+    else
+      QTest::keyClick(&splash, Qt::Key_A);
+    QVERIFY(!splash.isVisible());
+  }
 }
 
 DELVANE_QTEST(TestApp)

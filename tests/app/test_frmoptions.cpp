@@ -16,15 +16,6 @@
 
 namespace {
 
-// A settings store in a file of its own temporary folder, so no test touches the user's.
-struct TempStore {
-  QTemporaryDir dir;
-  QString file() const { return dir.filePath(QStringLiteral("settings.ini")); }
-  std::unique_ptr<QSettings> open() const {
-    return std::make_unique<QSettings>(file(), QSettings::IniFormat);
-  }
-};
-
 template <typename T>
 T* child(QWidget& dialog, const char* name) {
   T* widget = dialog.findChild<T*>(QString::fromLatin1(name));
@@ -32,16 +23,26 @@ T* child(QWidget& dialog, const char* name) {
   return widget;
 }
 
-// The dialog shown on default settings, counting how often it asks to save them.
+// The dialog shown on the given settings; each save writes them to a store of its own temporary
+// folder, so no test touches the user's.
 struct Options {
-  Options() { dialog.show(); }
+  explicit Options(app::Settings initial = {}) : settings(initial) { dialog.show(); }
+  QString text(const char* box) { return child<QLineEdit>(dialog, box)->text(); }
   void type(const char* box, const char* text) {
     child<QLineEdit>(dialog, box)->setText(QString::fromLatin1(text));
   }
-  void press(const char* button) { child<QPushButton>(dialog, button)->click(); }
+  void click(const char* button) { child<QAbstractButton>(dialog, button)->click(); }
+  std::unique_ptr<QSettings> store() const {
+    return std::make_unique<QSettings>(dir.filePath(QStringLiteral("settings.ini")),
+                                       QSettings::IniFormat);
+  }
+  QTemporaryDir dir;
   app::Settings settings;
   int saves = 0;
-  app::frmOptions dialog{settings, [this] { ++saves; }};
+  app::frmOptions dialog{settings, [this] {
+                           ++saves;
+                           app::SaveSettings(*store(), settings);
+                         }};
 };
 
 }  // namespace
@@ -84,40 +85,26 @@ void TestFrmOptions::settingsNumberRoundsHalvesToEven() {
 }
 
 void TestFrmOptions::okStoresEveryControlAndSavesThem() {
-  TempStore store;
-  app::Settings settings;
-  settings.MinorScale = 33;
-  settings.FixedDatumVal = -7;
-  int saves = 0;
-  app::frmOptions dialog(settings, [&] {
-    ++saves;
-    app::SaveSettings(*store.open(), settings);
-  });
-  dialog.show();
+  Options o(app::Settings{.MinorScale = 33, .FixedDatumVal = -7});
   // The controls show the settings.
-  QCOMPARE(child<QLineEdit>(dialog, "txtMinorScale")->text(), QStringLiteral("33"));
-  QCOMPARE(child<QLineEdit>(dialog, "txtFixedDatumValue")->text(), QStringLiteral("-7"));
-  QVERIFY(child<QCheckBox>(dialog, "chkAutoSave")->isChecked());
-
-  child<QRadioButton>(dialog, "optRight")->click();
-  child<QCheckBox>(dialog, "chkAutoSave")->click();
-  child<QLineEdit>(dialog, "txtVerticalScale")->setText(QStringLiteral("12.5"));  // to 12
-  child<QLineEdit>(dialog, "txtMetresPerPage")->setText(QStringLiteral("13.5"));  // to 14
-  child<QRadioButton>(dialog, "optFixedDatum")->click();
-  child<QLineEdit>(dialog, "txtFixedDatumValue")->setText(QStringLiteral("-40"));
-  child<QCheckBox>(dialog, "chkDisplayQty")->click();
-  child<QLineEdit>(dialog, "txtMinorScale")->setText(QStringLiteral("x"));
-  child<QLineEdit>(dialog, "txtBranchScale")->setText(QStringLiteral("0"));
-  child<QCheckBox>(dialog, "chkBifurcate")->click();
-  child<QPushButton>(dialog, "cmdOK")->click();
-
-  QCOMPARE(saves, 1);
-  QCOMPARE(dialog.result(), int(QDialog::Accepted));
+  QCOMPARE(o.text("txtMinorScale") + o.text("txtFixedDatumValue"), QStringLiteral("33-7"));
+  QVERIFY(child<QCheckBox>(o.dialog, "chkAutoSave")->isChecked());
+  for (const char* button :
+       {"optRight", "chkAutoSave", "optFixedDatum", "chkDisplayQty", "chkBifurcate"})
+    o.click(button);
+  o.type("txtVerticalScale", "12.5");  // to 12
+  o.type("txtMetresPerPage", "13.5");  // to 14
+  o.type("txtFixedDatumValue", "-40");
+  o.type("txtMinorScale", "x");  // no number: 0
+  o.type("txtBranchScale", "0");
+  o.click("cmdOK");
+  QCOMPARE(o.saves, 1);
+  QCOMPARE(o.dialog.result(), int(QDialog::Accepted));
 
   // Placement, auto-save, enter right, max readings, minor, branch, bifurcate, display quantities,
   // fixed datum and its value, vertical scale, metres per page.
   app::Settings reread;
-  app::LoadSettings(*store.open(), reread);
+  app::LoadSettings(*o.store(), reread);
   QCOMPARE(apptest::describe(reread),
            QStringLiteral("1000 1000 6500 6500 0 1 15 0 0 0 0 1 -40 12 14"));
 }
@@ -125,10 +112,10 @@ void TestFrmOptions::okStoresEveryControlAndSavesThem() {
 void TestFrmOptions::numberOutsideSixteenBitsIsRefusedAndNothingStored() {
   Options o;
   const QString defaults = apptest::describe(o.settings);
-  child<QRadioButton>(o.dialog, "optRight")->click();
+  o.click("optRight");
   o.type("txtVerticalScale", "55");
   o.type("txtBranchScale", "40000");
-  o.press("cmdOK");
+  o.click("cmdOK");
 
   QCOMPARE(o.saves, 0);
   QVERIFY(o.dialog.isVisible());
@@ -140,7 +127,7 @@ void TestFrmOptions::numberOutsideSixteenBitsIsRefusedAndNothingStored() {
 
   // Corrected, the same press stores and closes.
   o.type("txtBranchScale", "-32768");
-  o.press("cmdOK");
+  o.click("cmdOK");
   QCOMPARE(o.saves, 1);
   QVERIFY(!o.dialog.isVisible());
   QCOMPARE(int(o.settings.BranchScale), -32768);
@@ -150,27 +137,23 @@ void TestFrmOptions::numberOutsideSixteenBitsIsRefusedAndNothingStored() {
 void TestFrmOptions::cancelAfterApplyKeepsWhatApplyStored() {
   Options o;
   o.type("txtMinorScale", "21");
-  o.press("cmdApply");
+  o.click("cmdApply");
   QVERIFY(o.dialog.isVisible());
   o.type("txtMinorScale", "99");
-  o.press("cmdCancel");
+  o.click("cmdCancel");
   QCOMPARE(o.saves, 1);
   QVERIFY(!o.dialog.isVisible());
   QCOMPARE(int(o.settings.MinorScale), 21);
 }
 
 void TestFrmOptions::autoRefreshFollowsAutoSaveAndTabsShowOneFrame() {
-  app::Settings settings;
-  settings.AutoSave = false;
-  app::frmOptions dialog(settings, {});
-  dialog.show();
-  auto* autoSave = child<QCheckBox>(dialog, "chkAutoSave");
+  Options o(app::Settings{.AutoSave = false});
+  app::frmOptions& dialog = o.dialog;
   auto* autoRefresh = child<QCheckBox>(dialog, "chkAutoRefreshDWG");
-  QVERIFY(!autoRefresh->isEnabled());
-  autoSave->click();
-  QVERIFY(autoRefresh->isEnabled());
-  autoSave->click();
-  QVERIFY(!autoRefresh->isEnabled());
+  for (bool enabled : {false, true, false}) {
+    QCOMPARE(autoRefresh->isEnabled(), enabled);
+    o.click("chkAutoSave");
+  }
 
   QVERIFY(child<QRadioButton>(dialog, "optTabs_0")->isChecked());
   for (int tab = 0; tab < 5; ++tab) {
