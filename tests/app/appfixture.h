@@ -93,6 +93,18 @@ struct Desk {
     return testsupport::rowCount(db(), table, where);
   }
   std::optional<double> scalar(const QString& sql) { return db().scalar(sql); }
+  // The rows of a query as text: columns joined by spaces, rows by '|', NULL as '-'.
+  QString rows(const char* sql) {
+    db::Statement query = db().prepare(QString::fromUtf8(sql));
+    QStringList all;
+    while (query.step()) {
+      QStringList row;
+      for (int c = 0; c < query.columnCount(); ++c)
+        row.append(query.isNull(c) ? QStringLiteral("-") : query.text(c));
+      all.append(row.join(QLatin1Char(' ')));
+    }
+    return all.join(QLatin1Char('|'));
+  }
   QAction* action(const char* name) const { return window->action(QLatin1String(name)); }
   void trigger(const char* name) {
     QAction* item = action(name);

@@ -149,29 +149,18 @@ void TestFrmMain::addOnInitialInsertsCountRowsAtTheChainageOrNothing() {
   desk.choose(1, 6);
   desk.window->dataInitial();
   QVERIFY(desk.sheet());
-  for (const char* text : {"", "many", "0", "-2"}) {
-    desk.inputs = {QString::fromLatin1(text)};
-    desk.window->editAdd();
-    QVERIFY2(desk.count(QStringLiteral("Initial")) == 1, text);
-  }
-
+  desk.inputs = {"", "many", "0", "-2"};  // no count, or not a positive one: nothing
+  for (int refused = 0; refused < 4; ++refused) desk.window->editAdd();
   desk.prompts.clear();
-  desk.inputs = {QStringLiteral("3"), QStringLiteral("150")};
+  desk.inputs = {"3", "150"};
   desk.action("mnuEditAdd")->trigger();
-
-  QCOMPARE(desk.prompts,
-           QStringList({QStringLiteral("Add Initial Data|Number of records to add ?|1"),
-                        QStringLiteral("Add Initial Data|Chainage ?|0")}));
-  QCOMPARE(desk.count(QStringLiteral("Initial"),
-                      QStringLiteral("SectionID=6 AND Chainage=150 AND Offset IS NULL AND "
-                                     "[Level] IS NULL")),
-           3);
-  QCOMPARE(desk.count(QStringLiteral("Initial")), 4);
+  QCOMPARE(desk.prompts, QStringList({"Add Initial Data|Number of records to add ?|1",
+                                      "Add Initial Data|Chainage ?|0"}));
   QCOMPARE(desk.sheet()->resultSet()->rowCount(), 3);  // shown without reopening
-
-  desk.inputs = {QStringLiteral("2.5"), QStringLiteral("7")};  // rounds half to even
+  desk.inputs = {"2.5", "7"};                          // rounds half to even
   desk.window->editAdd();
-  QCOMPARE(desk.count(QStringLiteral("Initial"), QStringLiteral("Chainage=7")), 2);
+  QCOMPARE(desk.rows("SELECT SectionID, Chainage, Offset, [Level] FROM Initial ORDER BY ID"),
+           "9 1 2 3|6 150 - -|6 150 - -|6 150 - -|6 7 - -|6 7 - -");
 }
 
 void TestFrmMain::addOnPackageTakesTheNextKeyAndSelectsIt() {
@@ -180,11 +169,8 @@ void TestFrmMain::addOnPackageTakesTheNextKeyAndSelectsIt() {
   desk.window->dataPackage();
   QVERIFY(desk.sheet());
   desk.window->editAdd();
-
-  QCOMPARE(desk.count(QStringLiteral("Package")), 4);
-  QCOMPARE(desk.count(QStringLiteral("Package"),
-                      QStringLiteral("ID=8 AND Phase='%1'").arg(QDate::currentDate().year())),
-           1);
+  QCOMPARE(desk.rows("SELECT ID, Phase FROM Package ORDER BY ID"),
+           QStringLiteral("1 -|2 -|7 -|8 %1").arg(QDate::currentDate().year()));
   sheets::frmDataGrid& sheet = *desk.sheet();
   QCOMPARE(sheet.resultSet()->rowCount(), 4);
   QVERIFY(sheet.grid().Row() >= 0);
