@@ -326,19 +326,12 @@ void TestApp::newCreatesListsAndOpensProjectButNotOverAFile() {
 }
 
 void TestApp::demoIsWrittenOnlyIntoFolderWithoutProjects() {
-  QTemporaryDir dir;
-  const QString folder = dir.path() + QLatin1Char('/');
-  app::ensureDemoProject(folder);
-  const QString demo = folder + db::demoProjectFileName();
-  QVERIFY(
-      db::openProject(demo)->scalar(QStringLiteral("SELECT Count(*) FROM Sections")).value_or(0) >
-      0);
-
-  QTemporaryDir other;
-  const QString otherFolder = other.path() + QLatin1Char('/');
-  db::createProject(otherFolder + QStringLiteral("mine.delvane"), false);
-  app::ensureDemoProject(otherFolder);
-  QVERIFY(!QFile::exists(otherFolder + db::demoProjectFileName()));
+  QTemporaryDir empty, other;
+  db::createProject(other.filePath(QStringLiteral("mine.delvane")), false);
+  for (QTemporaryDir* dir : {&empty, &other}) app::ensureDemoProject(dir->path() + '/');
+  const auto demo = db::openProject(empty.filePath(db::demoProjectFileName()));
+  QVERIFY(demo->scalar(QStringLiteral("SELECT Count(*) FROM Sections")).value_or(0) > 0);
+  QVERIFY(!QFile::exists(other.filePath(db::demoProjectFileName())));
 }
 
 void TestApp::adoptingNeedsADesignProfileThenResetsTheSelection() {
