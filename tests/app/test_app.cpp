@@ -77,8 +77,7 @@ class TestApp : public QObject {
   void emptyStoreGivesDefaults();
   void settingsRoundTripEveryKeyAsText();
   void nonConvertingValueFallsBackToDefault();
-  void twipsConvertAtLogicalDpi();
-  void windowPlacementRoundTrips();
+  void windowPlacementRoundTripsThroughTwips();
 
   void chooserRefusalStaysOpenWithMessage();
   void chooserListsProjectFilesAndDoubleClickOpensOne();
@@ -233,15 +232,13 @@ void TestApp::nonConvertingValueFallsBackToDefault() {
   }
 }
 
-void TestApp::twipsConvertAtLogicalDpi() {
+void TestApp::windowPlacementRoundTripsThroughTwips() {
   QCOMPARE(app::pixelsToTwips(96, 96.0), 1440.0);
   // One inch, the default left and width, and the threshold of a pixel.
   for (const auto& [twips, dpi, pixels] :
        {std::tuple{1440.0, 96.0, 96}, {1000.0, 96.0, 67}, {6500.0, 120.0, 542}, {30.0, 96.0, 2}})
     QCOMPARE(app::twipsToPixels(twips, dpi), pixels);
-}
 
-void TestApp::windowPlacementRoundTrips() {
   QWidget window;
   app::applyWindowPlacement(window, app::Settings());
   const double dpi = app::screenLogicalDpiX(window);
@@ -250,11 +247,11 @@ void TestApp::windowPlacementRoundTrips() {
   app::Settings recorded;
   recorded.MainLeft = 0;
   app::recordWindowPlacement(window, recorded);
-  const double onePixel = 1440.0 / dpi;
-  for (float value : {recorded.MainLeft, recorded.MainTop})
-    QVERIFY(std::abs(value - 1000) < onePixel);
-  for (float value : {recorded.MainWidth, recorded.MainHeight})
-    QVERIFY(std::abs(value - 6500) < onePixel);
+  for (const auto& [value, expected] : {std::pair{recorded.MainLeft, 1000.0f},
+                                        {recorded.MainTop, 1000.0f},
+                                        {recorded.MainWidth, 6500.0f},
+                                        {recorded.MainHeight, 6500.0f}})
+    QVERIFY(std::abs(value - expected) < 1440.0 / dpi);  // within a pixel
 }
 
 void TestApp::chooserRefusalStaysOpenWithMessage() {
