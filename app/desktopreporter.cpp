@@ -46,9 +46,12 @@ void DesktopReporter::ShowError(const QString& message) {
     m_blnErrorListLoaded = true;
     // Closing the list drops its messages: the window deletes itself later, but from now on
     // the next message starts a fresh list.
-    const auto unload = [this, form] {
-      if (m_errorForm == form) {
-        m_errorForm = nullptr;
+    // Compared by address only: the form may be half destroyed when this runs.
+    m_errorFormIdentity = form;
+    const auto unload = [this, identity = static_cast<const void*>(form)] {
+      if (m_errorFormIdentity == identity) {
+        m_errorForm.clear();
+        m_errorFormIdentity = nullptr;
         m_blnErrorListLoaded = false;
       }
     };

@@ -65,6 +65,7 @@ class DesktopReporter : public engine::Reporter {
   QPointer<QWidget> m_parent;
   std::unique_ptr<frmProgress> m_progress;
   QPointer<dlgErrorForm> m_errorForm;
+  const void* m_errorFormIdentity = nullptr;
   bool m_blnErrorListLoaded = false;
   bool m_processingEvents = false;
 };

@@ -348,7 +348,11 @@ GridControl::GridControl(QWidget* parent) : QWidget(parent) {
           [this] { updateFrozenGeometry(); });
 }
 
-GridControl::~GridControl() = default;
+GridControl::~GridControl() {
+  // Tearing down the children hides them, which resizes the header; the frozen view must not
+  // follow it into a grid that is already half destroyed.
+  m_view->horizontalHeader()->disconnect(this);
+}
 
 void GridControl::forEachView(const std::function<void(GridView*)>& action) const {
   action(m_view);
