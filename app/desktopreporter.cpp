@@ -55,8 +55,8 @@ void DesktopReporter::ShowError(const QString& message) {
         m_blnErrorListLoaded = false;
       }
     };
-    QObject::connect(form, &QDialog::finished, form, unload);
-    QObject::connect(form, &QObject::destroyed, unload);
+    QObject::connect(form, &QDialog::finished, &m_connections, unload);
+    QObject::connect(form, &QObject::destroyed, &m_connections, unload);
     form->show();
   }
   m_errorForm->DisplayMessage(message);

@@ -2,6 +2,7 @@
 
 #include "engine/reporter.h"
 
+#include <QObject>
 #include <QPointer>
 #include <QString>
 
@@ -66,6 +67,9 @@ class DesktopReporter : public engine::Reporter {
   std::unique_ptr<frmProgress> m_progress;
   QPointer<dlgErrorForm> m_errorForm;
   const void* m_errorFormIdentity = nullptr;
+  // The receiver of the error list's signals: they stop when this reporter goes, even if the
+  // list itself is deleted later.
+  QObject m_connections;
   bool m_blnErrorListLoaded = false;
   bool m_processingEvents = false;
 };
