@@ -1,7 +1,8 @@
 #include "engine/numberformat.h"
 
+#include <algorithm>
+#include <charconv>
 #include <cmath>
-#include <cstdio>
 
 namespace engine {
 
@@ -10,9 +11,11 @@ QString formatNumber(double value, int decimals, const NumberSymbols& symbols) {
   // Round half away from zero on the decimal text, as a spreadsheet shows it.
   const double scale = std::pow(10.0, decimals);
   double rounded = std::round(std::fabs(value) * scale) / scale;
-  char buf[64];
-  std::snprintf(buf, sizeof buf, "%.*f", decimals, rounded);
-  const QString plain = QString::fromLatin1(buf);
+  // to_chars, unlike printf, ignores the process locale: the digits always come with a '.'.
+  char buf[400];
+  const auto written = std::to_chars(buf, buf + sizeof buf, rounded, std::chars_format::fixed,
+                                     std::max(decimals, 0));
+  const QString plain = QString::fromLatin1(buf, written.ec == std::errc() ? written.ptr - buf : 0);
   const qsizetype point = plain.indexOf(QLatin1Char('.'));
   const QString whole = point < 0 ? plain : plain.left(point);
   QString out;

@@ -2,6 +2,8 @@
 
 #include "db/project.h"
 
+#include <clocale>
+
 namespace testsupport {
 
 TempProject::TempProject() = default;
@@ -13,6 +15,18 @@ db::Connection& TempProject::create(bool demo, const QString& name) {
 }
 
 QString TempProject::path(const QString& name) const { return m_dir.filePath(name); }
+
+CommaDecimalLocale::CommaDecimalLocale() {
+  const char* previous = std::setlocale(LC_NUMERIC, nullptr);
+  m_saved = previous ? previous : "C";
+  for (const char* name : {"de_DE.UTF-8", "de_DE.utf8", "fr_FR.UTF-8"})
+    if (std::setlocale(LC_NUMERIC, name)) {
+      m_active = true;
+      break;
+    }
+}
+
+CommaDecimalLocale::~CommaDecimalLocale() { std::setlocale(LC_NUMERIC, m_saved.c_str()); }
 
 int rowCount(db::Connection& connection, const QString& table, const QString& where) {
   QString sql = QStringLiteral("SELECT COUNT(*) FROM ") + table;

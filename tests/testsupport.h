@@ -6,6 +6,7 @@
 #include <QTemporaryDir>
 
 #include <memory>
+#include <string>
 
 namespace testsupport {
 
@@ -22,6 +23,19 @@ class TempProject {
  private:
   QTemporaryDir m_dir;
   std::unique_ptr<db::Connection> m_connection;
+};
+
+// Switches the C library's number format to a comma-decimal locale for the life of the object,
+// as Qt does for a German user; active() is false when no such locale is installed.
+class CommaDecimalLocale {
+ public:
+  CommaDecimalLocale();
+  ~CommaDecimalLocale();
+  bool active() const { return m_active; }
+
+ private:
+  std::string m_saved;
+  bool m_active = false;
 };
 
 // The number of rows of table, optionally restricted by a WHERE clause.

@@ -1,10 +1,10 @@
 #include "engine/modvariables.h"
+#include "tests/testsupport.h"
 
 #include <QStringList>
 
 #include <gtest/gtest.h>
 
-#include <clocale>
 #include <span>
 
 namespace {
@@ -150,24 +150,15 @@ TEST(FormulaVariables, ValuesAreWrittenWithUpToSevenDigits) {
 }
 
 TEST(FormulaVariables, NumberTextsIgnoreTheLocale) {
-  const char* previous = std::setlocale(LC_NUMERIC, nullptr);
-  const std::string saved = previous ? previous : "C";
-  bool switched = false;
-  for (const char* name : {"de_DE.UTF-8", "de_DE.utf8", "fr_FR.UTF-8"})
-    if (std::setlocale(LC_NUMERIC, name)) {
-      switched = true;
-      break;
-    }
+  testsupport::CommaDecimalLocale german;
+  if (!german.active()) GTEST_SKIP() << "no comma-decimal locale installed";
   engine::modVariables vars;
   vars.SetFormulaVariable(QStringLiteral("X"), 2.5f);
   const QString text = vars.SubstituteFormulaVariables(QStringLiteral("$X"));
   QString reduced = QStringLiteral("1/4");
   vars.ReduceFormulaText(reduced);
-  const float value = vars.EvaluateFormula(QStringLiteral("$X+0.25"));
-  std::setlocale(LC_NUMERIC, saved.c_str());
   EXPECT_EQ(text + QLatin1Char('|') + reduced, QStringLiteral("2.5|0.25"));
-  EXPECT_FLOAT_EQ(value, 2.75f);
-  if (!switched) GTEST_SKIP() << "no comma-decimal locale installed; checked in the C locale";
+  EXPECT_FLOAT_EQ(vars.EvaluateFormula(QStringLiteral("$X+0.25")), 2.75f);
 }
 
 TEST(FormulaVariables, NamesMatchWithoutRegardToCase) {

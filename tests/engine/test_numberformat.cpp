@@ -1,4 +1,5 @@
 #include "engine/numberformat.h"
+#include "tests/testsupport.h"
 
 #include <gtest/gtest.h>
 
@@ -16,6 +17,12 @@ TEST(FormatNumber, GroupsDigitsWithTheGivenDecimals) {
   };
   for (const Case& c : cases)
     EXPECT_EQ(engine::formatNumber(c.value, c.decimals), QString::fromLatin1(c.text)) << c.text;
+}
+
+TEST(FormatNumber, IgnoresTheProcessLocale) {
+  testsupport::CommaDecimalLocale german;
+  if (!german.active()) GTEST_SKIP() << "no comma-decimal locale installed";
+  EXPECT_EQ(engine::formatNumber(46102.625, 2), QStringLiteral("46,102.63"));
 }
 
 TEST(FormatNumber, UsesTheLocaleSymbols) {
