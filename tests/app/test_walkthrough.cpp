@@ -5,6 +5,7 @@
 #include "tests/qtestmain.h"
 
 #include <QFileInfo>
+#include <QLocale>
 #include <QMdiArea>
 #include <QStandardPaths>
 #include <QTextBrowser>
@@ -140,7 +141,7 @@ void TestWalkthrough::walksFromThePackageThroughEverySheetToTheReports() {
   sheets::frmReport* areas = w.window->activeReport();
   QVERIFY(areas && areas != summary);
   QCOMPARE(w.childTitle(), QStringLiteral("Area Calculation for Chainage : ") +
-                               QString::number(grid.Text(2, 0).trimmed().toDouble()));
+                               QString::number(QLocale::system().toDouble(grid.Text(2, 0))));
   QVERIFY(areas->scg().Rows() > 0);
 
   for (const char* name : {"summary.xlsx", "summary.csv"}) {
