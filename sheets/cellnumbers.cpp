@@ -86,4 +86,9 @@ QString generalText15(double value) {
   return QString::number(value, 'G', 15);
 }
 
+QString generalText7(float value) {
+  if (value == 0) return QStringLiteral("0");
+  return QString::number(static_cast<double>(value), 'G', 7);
+}
+
 }  // namespace sheets

@@ -16,4 +16,8 @@ double leadingNumber(QStringView text);
 // 1.100000001490116 -> "1.10000000149012", 1e20 -> "1E+20"). Zero is always "0".
 QString generalText15(double value);
 
+// A single as text with up to seven significant digits in the same general format
+// (1.0f / 3 -> "0.3333333", 16777216 -> "1.677722E+07"). Zero is always "0".
+QString generalText7(float value);
+
 }  // namespace sheets

@@ -1,6 +1,5 @@
 #include "sheets/sheetediting.h"
 
-#include "db/numbers.h"
 #include "sheets/cellnumbers.h"
 #include "sheets/gridcontrol.h"
 
@@ -358,7 +357,7 @@ void SheetEditing::applyTransform(const TransformRequest& request) {
   if (!m_rangeSelected || request.operation == TransformRequest::Cancelled) return;
   const Ordered range = ordered();
   const double operand = request.value;  // widened from the single the user gave
-  const QString setText = db::floatText(request.value);
+  const QString setText = generalText7(request.value);
   QString collected;
   {
     RedrawOff redraw(m_grid);

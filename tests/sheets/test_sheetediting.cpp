@@ -351,6 +351,8 @@ class TestSheetEditing : public QObject {
     QTest::addColumn<float>("value");
     QTest::addColumn<QStringList>("beforeAfter");
     QTest::newRow("set writes the single") << 0 << 0.1f << QStringList{"5", "0.1"};
+    QTest::newRow("set keeps seven digits") << 0 << (1.0f / 3.0f) << QStringList{"5", "0.3333333"};
+    QTest::newRow("set a large single") << 0 << 16777216.0f << QStringList{"5", "1.677722E+07"};
     QTest::newRow("add widens the single") << 1 << 0.1f << QStringList{"1", "1.10000000149012"};
     QTest::newRow("add to empty") << 1 << 5.0f << QStringList{"", "5"};
     QTest::newRow("subtract") << 2 << 2.0f << QStringList{"10.5", "8.5"};
