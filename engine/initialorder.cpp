@@ -65,8 +65,9 @@ void FormatInitialTable(EngineSession& session) {
 
   // The rows are taken in order of entry before any is changed; a row's changes only ever touch
   // itself and earlier rows of its section, so the pass sees what a live cursor would. One
-  // savepoint keeps a table of many thousand readings from costing a disk sync per row; a rerun
-  // after a failure still does the whole work.
+  // savepoint keeps a table of many thousand readings from costing a disk sync per row. There is
+  // no transaction to undo: on an error the rows visited so far stay corrected, and a rerun
+  // completes the work.
   db::Savepoint work(connection, QStringLiteral("format_initial"));
   const std::vector<Reading> rows = readInOrderOfEntry(connection);
   db::Statement fill =
@@ -80,22 +81,33 @@ void FormatInitialTable(EngineSession& session) {
   // Carried across sections: a section whose first reading has no chainage takes the last one
   // of the section before. Kept as stored, so filled rows compare equal to the row they copy.
   double lastChainage = 0;
-  for (const Reading& row : rows) {
-    if (!row.chainage) {
-      fill.reset();
-      fill.bindDouble(1, lastChainage).bindInt64(2, row.id).run();
-    } else {
-      lastChainage = *row.chainage;
+  try {
+    for (const Reading& row : rows) {
+      if (!row.chainage) {
+        fill.reset();
+        fill.bindDouble(1, lastChainage).bindInt64(2, row.id).run();
+      } else {
+        lastChainage = *row.chainage;
+      }
+      if (row.centreLine) {
+        negate.reset();
+        negate.bindInt64(1, row.id).bindDouble(2, lastChainage);
+        if (row.sectionId)
+          negate.bindInt64(3, *row.sectionId);
+        else
+          negate.bindNull(3);
+        negate.run();
+      }
     }
-    if (row.centreLine) {
-      negate.reset();
-      negate.bindInt64(1, row.id).bindDouble(2, lastChainage);
-      if (row.sectionId)
-        negate.bindInt64(3, *row.sectionId);
-      else
-        negate.bindNull(3);
-      negate.run();
+  } catch (...) {
+    fill.reset();
+    negate.reset();
+    try {
+      work.release();
+    } catch (const db::Error&) {
+      // Nothing left to keep.
     }
+    throw;
   }
   fill.reset();
   negate.reset();

@@ -111,4 +111,22 @@ TEST_F(InitialOrderChecks, EmptyTextChainageIsFilledAndTheSectionValidatedAfterw
                 "not in acceptable range in Initial Levels.")});
 }
 
+// A database error ends the pass; the rows visited before it stay corrected.
+TEST_F(InitialOrderChecks, AnErrorKeepsTheRowsVisitedBeforeIt) {
+  exec(
+      "INSERT INTO Initial (ID, SectionID, Chainage, Offset, [Level]) VALUES (1, 1, 0.3, 4, 120), "
+      "(2, 1, NULL, 0, 120), (3, 1, NULL, 5, 120)");
+  exec(
+      "CREATE TRIGGER refuse_third BEFORE UPDATE ON Initial WHEN OLD.ID = 3 "
+      "BEGIN SELECT RAISE(ABORT, 'refused'); END");
+  EXPECT_THROW(engine::FormatInitialTable(session), db::Error);
+  exec("DROP TRIGGER refuse_third");
+  EXPECT_EQ(c.scalar(QStringLiteral("SELECT COUNT(*) FROM Initial WHERE Chainage=0.3 AND "
+                                    "((ID=1 AND Offset=-4) OR (ID=2 AND Offset=0))")),
+            2.0);
+  EXPECT_EQ(c.scalar(QStringLiteral("SELECT COUNT(*) FROM Initial WHERE ID=3 AND Chainage IS "
+                                    "NULL AND Offset=5")),
+            1.0);
+}
+
 }  // namespace
