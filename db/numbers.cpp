@@ -8,12 +8,17 @@ namespace db {
 
 namespace {
 
-// Writes the shortest round-trip text of value into buf; returns its length.
+// Writes the shortest round-trip text of value into buf; returns its length. Values in the
+// range of measures and volumes are written without an exponent ("100000", not "1e+05"), as a
+// user and a spreadsheet expect them; only the very small and very large take one.
 int shortestText(float value, char* buf, int size) {
   if (std::isnan(value)) return snprintf(buf, size, "NaN");
   if (std::isinf(value)) return snprintf(buf, size, value > 0 ? "Infinity" : "-Infinity");
   if (value == 0.0f) value = 0.0f;  // no "-0"
-  auto result = std::to_chars(buf, buf + size, value);
+  const float magnitude = std::fabs(value);
+  const bool plain = magnitude == 0.0f || (magnitude >= 1e-4f && magnitude < 1e15f);
+  auto result = plain ? std::to_chars(buf, buf + size, value, std::chars_format::fixed)
+                      : std::to_chars(buf, buf + size, value);
   return static_cast<int>(result.ptr - buf);
 }
 
