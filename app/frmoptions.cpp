@@ -105,19 +105,13 @@ frmOptions::frmOptions(Settings& settings, std::function<void()> saveSettings, Q
     QGroupBox* frame = m_frames[1];
     auto* layout = new QGridLayout(frame);
     layout->addWidget(new QLabel(QStringLiteral("Vertical Scale (M):"), frame), 0, 0);
-    m_txtVerticalScale = addNumberBox(QStringLiteral("txtVerticalScale"), frame);
-    layout->addWidget(m_txtVerticalScale.edit, 0, 1);
-    layout->addWidget(m_txtVerticalScale.problem, 0, 2);
+    m_txtVerticalScale = addNumberBox(QStringLiteral("txtVerticalScale"), *layout, 0);
     layout->addWidget(new QLabel(QStringLiteral("Metres per page :"), frame), 1, 0);
-    m_txtMetresPerPage = addNumberBox(QStringLiteral("txtMetresPerPage"), frame);
-    layout->addWidget(m_txtMetresPerPage.edit, 1, 1);
-    layout->addWidget(m_txtMetresPerPage.problem, 1, 2);
+    m_txtMetresPerPage = addNumberBox(QStringLiteral("txtMetresPerPage"), *layout, 1);
     m_optFixedDatum = new QRadioButton(QStringLiteral("Fixed Datum Line (Value) :"), frame);
     m_optFixedDatum->setObjectName(QStringLiteral("optFixedDatum"));
     layout->addWidget(m_optFixedDatum, 2, 0);
-    m_txtFixedDatumValue = addNumberBox(QStringLiteral("txtFixedDatumValue"), frame);
-    layout->addWidget(m_txtFixedDatumValue.edit, 2, 1);
-    layout->addWidget(m_txtFixedDatumValue.problem, 2, 2);
+    m_txtFixedDatumValue = addNumberBox(QStringLiteral("txtFixedDatumValue"), *layout, 2);
     m_optVariableDatum = new QRadioButton(QStringLiteral("Variable Datum Line"), frame);
     m_optVariableDatum->setObjectName(QStringLiteral("optVariableDatum"));
     layout->addWidget(m_optVariableDatum, 3, 0);
@@ -131,13 +125,9 @@ frmOptions::frmOptions(Settings& settings, std::function<void()> saveSettings, Q
     m_chkDisplayQty->setObjectName(QStringLiteral("chkDisplayQty"));
     layout->addWidget(m_chkDisplayQty, 0, 0, 1, 3);
     layout->addWidget(new QLabel(QStringLiteral("Minor Scale (units)"), frame), 1, 0);
-    m_txtMinorScale = addNumberBox(QStringLiteral("txtMinorScale"), frame);
-    layout->addWidget(m_txtMinorScale.edit, 1, 1);
-    layout->addWidget(m_txtMinorScale.problem, 1, 2);
+    m_txtMinorScale = addNumberBox(QStringLiteral("txtMinorScale"), *layout, 1);
     layout->addWidget(new QLabel(QStringLiteral("Branch Scale (units)"), frame), 2, 0);
-    m_txtBranchScale = addNumberBox(QStringLiteral("txtBranchScale"), frame);
-    layout->addWidget(m_txtBranchScale.edit, 2, 1);
-    layout->addWidget(m_txtBranchScale.problem, 2, 2);
+    m_txtBranchScale = addNumberBox(QStringLiteral("txtBranchScale"), *layout, 2);
     layout->setRowStretch(3, 1);
   }
   // Quantity.
@@ -183,7 +173,8 @@ frmOptions::frmOptions(Settings& settings, std::function<void()> saveSettings, Q
   fillControls();
 }
 
-frmOptions::NumberBox frmOptions::addNumberBox(const QString& name, QWidget* frame) {
+frmOptions::NumberBox frmOptions::addNumberBox(const QString& name, QGridLayout& layout, int row) {
+  QWidget* frame = layout.parentWidget();
   NumberBox box;
   box.edit = new QLineEdit(frame);
   box.edit->setObjectName(name);
@@ -192,6 +183,8 @@ frmOptions::NumberBox frmOptions::addNumberBox(const QString& name, QWidget* fra
   box.problem->setObjectName(name + QStringLiteral("Problem"));
   box.problem->setStyleSheet(QStringLiteral("QLabel { color: rgb(192, 0, 0); }"));
   box.problem->setVisible(false);
+  layout.addWidget(box.edit, row, 1);
+  layout.addWidget(box.problem, row, 2);
   return box;
 }
 

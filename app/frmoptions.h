@@ -12,6 +12,7 @@
 class QAbstractButton;
 class QCheckBox;
 class QGroupBox;
+class QGridLayout;
 class QLabel;
 class QLineEdit;
 class QPushButton;
@@ -53,7 +54,8 @@ class frmOptions : public QDialog {
   };
 
   void fillControls();
-  NumberBox addNumberBox(const QString& name, QWidget* frame);
+  // A number box with the message shown beside it on bad input, in columns 1 and 2 of row.
+  NumberBox addNumberBox(const QString& name, QGridLayout& layout, int row);
   void onOk();
 
   Settings& m_settings;
