@@ -38,11 +38,23 @@ QString overview(const QString& program) {
   return text;
 }
 
+// The command's help, its usage line naming the command ("Usage: delvane-cli areas [options]
+// FILE") where Qt would name the program's path.
+QString commandHelp(const Context& context) {
+  QString text = context.parser.helpText();
+  const QString usage = QStringLiteral("Usage: ");
+  const qsizetype end = text.indexOf(QStringLiteral(" [options]"));
+  if (text.startsWith(usage) && end > 0 && !text.left(end).contains(QLatin1Char('\n')))
+    text.replace(usage.size(), end - usage.size(),
+                 context.program + QLatin1Char(' ') + context.command);
+  return text;
+}
+
 }  // namespace
 
 int usageError(Context& context, const QString& message) {
   context.err << context.program << " " << context.command << ": " << message << "\n\n"
-              << context.parser.helpText();
+              << commandHelp(context);
   context.err.flush();
   return kUsage;
 }
@@ -109,12 +121,10 @@ int run(const QStringList& args, QTextStream& out, QTextStream& err) {
                                 QStringLiteral("Show the options of this command."));
   parser.addOption(help);
   command->addOptions(parser);
-  QStringList rest = args.mid(1);
-  rest[0] = program + QLatin1Char(' ') + rest[0];
   Context context{parser, out, err, program, QString::fromLatin1(command->name)};
-  if (!parser.parse(rest)) return usageError(context, parser.errorText());
+  if (!parser.parse(args.mid(1))) return usageError(context, parser.errorText());
   if (parser.isSet(help)) {
-    out << parser.helpText();
+    out << commandHelp(context);
     return kOk;
   }
   const int code = command->run(context);

@@ -46,8 +46,7 @@ int start(Context& context, Run& run, bool chainageRequired, bool takesChainage)
   }
 
   if (int failed = run.open(context, *file, true); failed >= 0) return failed;
-  run.engine->setSection(run.sectionId);
-  return -1;
+  return run.useSection(context, run.sectionId);
 }
 
 int finish(const Run& run, bool dataProblems) {

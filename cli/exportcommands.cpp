@@ -43,11 +43,8 @@ int exportQuantity(Context& context) {
   if (int failed = project.open(context, *file, false); failed >= 0) return failed;
   engine::EngineSession& session = *project.engine;
   return project.guarded(context, [&]() -> int {
-    if (!engine::SectionExists(session, *section))
-      return usageError(context, QStringLiteral("the project has no section ") +
-                                     QString::number(*section) + QLatin1Char('.'));
+    if (int failed = project.useSection(context, *section); failed >= 0) return failed;
     if (session.LoadDesignProfile()) return kCannotOpen;
-    session.setSection(*section);
     session.setUseExecutedLevel(context.parser.isSet(kExecuted));
 
     const engine::QuantityExportResult result =

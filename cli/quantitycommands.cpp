@@ -72,9 +72,9 @@ int areas(Context& context) {
   if (!chainage) return code;
   Session s;
   if (int failed = open(context, s); failed >= 0) return failed;
+  if (int failed = s.useSection(context, *section); failed >= 0) return failed;
   return s.guarded(context, [&] {
     engine::EngineSession& session = *s.engine;
-    session.setSection(*section);
     engine::ResetDesignCache(session);
     engine::MemoryReportGrid grid;
     engine::FillAreaDetails(session, *chainage, grid);
@@ -133,8 +133,8 @@ QString csvNumber(const std::optional<float>& value) {
 }
 
 int oneSection(Context& context, Session& s, std::int32_t section, float chainage) {
+  if (int failed = s.useSection(context, section); failed >= 0) return failed;
   engine::EngineSession& session = *s.engine;
-  session.setSection(section);
   engine::MemoryReportGrid grid;
   std::vector<engine::QuantityRow> rows;
   engine::ComputeQuantities(session, &grid, chainage,

@@ -2,6 +2,7 @@
 
 #include "cli/command.h"
 #include "db/connection.h"
+#include "db/schema.h"
 #include "engine/session.h"
 
 #include <QCommandLineParser>
@@ -47,6 +48,21 @@ struct ProjectSession {
     reporter = std::make_unique<Reporter>(context.err);
     engine = std::make_unique<engine::EngineSession>(*connection, *reporter);
     if (loadDesignProfile && engine->LoadDesignProfile()) return kCannotOpen;
+    return -1;
+  }
+
+  // Makes section the current one, as choosing it in the main window does. Returns -1, or the
+  // exit code after a message when the project has no such section.
+  int useSection(Context& context, std::int32_t section) {
+    try {
+      if (!db::sectionExists(*connection, section))
+        return usageError(context, QStringLiteral("the project has no section ") +
+                                       QString::number(section) + QLatin1Char('.'));
+    } catch (const db::Error& e) {
+      context.err << connection->path() << ": " << e.message() << "\n";
+      return kCannotOpen;
+    }
+    engine->setSection(section);
     return -1;
   }
 

@@ -88,6 +88,13 @@ void DeleteOrphansAfterPackages(Connection& connection) {
 
 void DeleteOrphansAfterSections(Connection& connection) { deleteSectionOrphans(connection); }
 
+bool sectionExists(Connection& connection, std::int32_t sectionId) {
+  Statement st = connection.prepare(QStringLiteral("SELECT ID FROM Sections WHERE ID=?"),
+                                    QStringLiteral("Finding section %1").arg(sectionId));
+  st.bindKey(1, sectionId);
+  return st.step();
+}
+
 std::int32_t AddPackage(Connection& connection, int year) {
   const std::int32_t id = GetNextID(connection, QStringLiteral("Package"));
   connection

@@ -29,6 +29,9 @@ void DeleteOrphansAfterPackages(Connection& connection);
 // The same after Sections rows were deleted: data rows of missing sections only.
 void DeleteOrphansAfterSections(Connection& connection);
 
+// Whether the project holds a section with this key.
+bool sectionExists(Connection& connection, std::int32_t sectionId);
+
 // The rows the main window's Add command inserts. year: the current calendar year.
 std::int32_t AddPackage(Connection& connection, int year);
 std::int32_t AddSection(Connection& connection, std::int32_t packageId);

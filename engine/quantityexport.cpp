@@ -197,13 +197,6 @@ std::optional<QuantitySheetFormat> QuantitySheetFormatOf(const QString& path) {
   return std::nullopt;
 }
 
-bool SectionExists(EngineSession& session, std::int32_t sectionId) {
-  db::Statement st = session.connection().prepare(
-      QStringLiteral("SELECT ID FROM Sections WHERE ID=?"), QStringLiteral("Finding the section"));
-  st.bindKey(1, sectionId);
-  return st.step();
-}
-
 std::optional<QuantitySheet> CollectQuantitySheet(EngineSession& session) {
   QuantitySheet sheet;
   sheet.SectionID = session.sectionId();

@@ -42,9 +42,6 @@ struct QuantitySheet {
 // Throws db::Error when the project cannot be read.
 std::optional<QuantitySheet> CollectQuantitySheet(EngineSession& session);
 
-// Whether the project holds a section with this key.
-bool SectionExists(EngineSession& session, std::int32_t sectionId);
-
 // The sheet as comma-separated text: the header row, one row per chainage with plain numbers
 // (the shortest text that reads back as the same single; no volumes on the first row) and the
 // totals row with the two volumes only. Lines end in CR LF.

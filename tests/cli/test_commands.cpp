@@ -276,7 +276,11 @@ TEST(CliUsage, BadCommandLinesExitWithUsageAndWriteNothing) {
       {"export FILE --output DIR/q.csv", ""},
       {"export --section 1 --output DIR/q.csv", ""},
       {"export FILE --section x --output DIR/q.csv", ""},
-      {"export FILE --section 99 --output DIR/q.xlsx", ""},
+      {"export FILE --section 99 --output DIR/q.xlsx", "no section 99"},
+      {"quantities FILE --section 99", "no section 99"},
+      {"areas FILE --section 99 --chainage 0.5", "no section 99"},
+      {"design-level FILE --section 99 --chainage 0.5", "no section 99"},
+      {"validate FILE --section 99", "Usage: delvane-cli validate [options] FILE"},
   };
   for (const auto& k : cases) {
     SCOPED_TRACE(k.args);
