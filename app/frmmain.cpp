@@ -627,7 +627,7 @@ void frmMain::editDelete() {
       sheet->DeleteRecord();
     } else if (name == QLatin1String("Initial")) {
       sheet->DeleteRecord();
-      if (m_state.engine) m_state.engine->markQuantityChainagesOutOfDate();
+      if (m_state.engine) m_state.engine->levelDataChanged();
     } else if (name == QLatin1String("Package")) {
       // The clean-up runs whether or not the user confirmed: on a consistent project it
       // removes nothing.

@@ -369,6 +369,10 @@ bool IntersectLines(float x1, float y1, float x2, float y2, float x3, float y3, 
 }
 
 void ComputeSectionAreas(EngineSession& session, float& chainage) {
+  computeSectionAreas(session, chainage, true);
+}
+
+void computeSectionAreas(EngineSession& session, float& chainage, bool storeAreas) {
   AreaState& st = session.areas();
   Reporter& reporter = session.reporter();
   db::Connection& connection = session.connection();
@@ -455,6 +459,7 @@ void ComputeSectionAreas(EngineSession& session, float& chainage) {
   }
 
   st.RowCount = rows - 1;
+  if (!storeAreas) return;
 
   StatementUse update(cachedStatement(
       st.updateAreas, connection,

@@ -139,6 +139,10 @@ struct AreaState {
 // either side or the executed levels asked for are missing.
 void ComputeSectionAreas(EngineSession& session, float& chainage);
 
+// The same computation; with storeAreas false DesignQty is left as it is, for callers that
+// only look (the drawings).
+void computeSectionAreas(EngineSession& session, float& chainage, bool storeAreas);
+
 // chainage rounded to 3 decimals, halves to even, as the area computation stores it.
 float RoundChainage(float chainage);
 

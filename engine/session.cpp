@@ -17,4 +17,10 @@ void EngineSession::setSection(std::int32_t sectionId) {
   m_levels.Reload = true;
 }
 
+void EngineSession::levelDataChanged() {
+  m_quantityChainagesOutOfDate = true;
+  m_design.DetailsReload = true;
+  m_levels.Reload = true;
+}
+
 }  // namespace engine

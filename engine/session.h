@@ -47,6 +47,9 @@ class EngineSession {
   void markQuantityChainagesOutOfDate() { m_quantityChainagesOutOfDate = true; }
   bool quantityChainagesOutOfDate() const { return m_quantityChainagesOutOfDate; }
   void clearQuantityChainagesMark() { m_quantityChainagesOutOfDate = false; }
+  // Every writer of level data calls this: the design caches and the quantity chainages are
+  // out of date until the next computation.
+  void levelDataChanged();
 
   // The symbols of formatted numbers in report cells and status texts.
   void setNumberSymbols(const NumberSymbols& symbols) { m_symbols = symbols; }

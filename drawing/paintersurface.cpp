@@ -1,0 +1,262 @@
+#include "drawing/paintersurface.h"
+
+#include "drawing/pageengine.h"
+
+#include <QFontMetricsF>
+#include <QPageSize>
+#include <QPainter>
+#include <QPdfWriter>
+#include <QSvgGenerator>
+
+#include <cmath>
+
+namespace drawing {
+
+namespace {
+
+constexpr double kMmPerInch = 25.4;
+constexpr double kPdfDpi = 1200.0;
+constexpr double kSvgDpi = 300.0;
+
+Qt::PenStyle penStyleOf(int drawStyle) {
+  switch (drawStyle) {
+    case 1:
+      return Qt::DashLine;
+    case 2:
+      return Qt::DotLine;
+    case 3:
+      return Qt::DashDotLine;
+    case 4:
+      return Qt::DashDotDotLine;
+    case 5:
+      return Qt::NoPen;
+    default:
+      return Qt::SolidLine;
+  }
+}
+
+Qt::BrushStyle brushStyleOf(int fillStyle) {
+  switch (fillStyle) {
+    case 0:
+      return Qt::SolidPattern;
+    case 2:
+      return Qt::HorPattern;
+    case 3:
+      return Qt::VerPattern;
+    case 4:
+      return Qt::BDiagPattern;
+    case 5:
+      return Qt::FDiagPattern;
+    case 6:
+      return Qt::CrossPattern;
+    case 7:
+      return Qt::DiagCrossPattern;
+    default:
+      return Qt::NoBrush;
+  }
+}
+
+int alignmentOf(int format) {
+  int flags = 0;
+  flags |= (format & kTextCentre)  ? Qt::AlignHCenter
+           : (format & kTextRight) ? Qt::AlignRight
+                                   : Qt::AlignLeft;
+  flags |= (format & kTextMiddle)   ? Qt::AlignVCenter
+           : (format & kTextBottom) ? Qt::AlignBottom
+                                    : Qt::AlignTop;
+  if (format & kTextWordWrap) flags |= Qt::TextWordWrap;
+  return flags;
+}
+
+}  // namespace
+
+QColor colourOf(std::uint32_t bgr) {
+  return QColor(static_cast<int>(bgr & 0xFF), static_cast<int>((bgr >> 8) & 0xFF),
+                static_cast<int>((bgr >> 16) & 0xFF));
+}
+
+QSize pagePixels(int widthMm, int heightMm, double dotsPerInch) {
+  return QSize(static_cast<int>(std::ceil(widthMm * dotsPerInch / kMmPerInch)),
+               static_cast<int>(std::ceil(heightMm * dotsPerInch / kMmPerInch)));
+}
+
+PainterSurface::PainterSurface(double dotsPerInch, double scale) : m_dpi(dotsPerInch * scale) {}
+
+PainterSurface::~PainterSurface() = default;
+
+void PainterSurface::setPainter(QPainter* painter) {
+  m_painter = painter;
+  if (m_painter) {
+    m_painter->setRenderHint(QPainter::Antialiasing);
+    m_painter->setRenderHint(QPainter::TextAntialiasing);
+    applyLayer();
+  }
+}
+
+double PainterSurface::px(float units) const { return unitsToTwips(units) * m_dpi / 1440.0; }
+
+void PainterSurface::setLayer(int, const LayerStyle& style) {
+  m_layer = style;
+  applyLayer();
+}
+
+void PainterSurface::applyLayer() {
+  if (!m_painter) return;
+  // A width of 0 is the thinnest line the device draws in the platform's pens: one screen
+  // pixel here, so that no line is a device-dependent hairline.
+  const double width = std::max<int>(1, m_layer.DrawWidth) * m_dpi / kScreenDpi;
+  QPen pen(colourOf(m_layer.ForeColor), width, penStyleOf(m_layer.DrawStyle), Qt::FlatCap,
+           Qt::MiterJoin);
+  m_painter->setPen(pen);
+  m_painter->setBrush(Qt::NoBrush);
+}
+
+QFont PainterSurface::font() const {
+  QFont f(m_layer.FontName.isEmpty() ? QStringLiteral("Arial") : m_layer.FontName);
+  f.setStyleHint(QFont::SansSerif);
+  f.setPixelSize(std::max(1, static_cast<int>(std::lround(m_layer.FontSize * m_dpi / 72.0))));
+  return f;
+}
+
+void PainterSurface::drawBox(float x1, float y1, float x2, float y2, int fillStyle) {
+  if (!m_painter) return;
+  m_painter->setBrush(QBrush(colourOf(m_layer.FillColor), brushStyleOf(fillStyle)));
+  m_painter->drawRect(QRectF(QPointF(px(x1), px(y1)), QPointF(px(x2), px(y2))).normalized());
+  m_painter->setBrush(Qt::NoBrush);
+}
+
+void PainterSurface::drawSolidBox(float x1, float y1, float x2, float y2, int fillStyle) {
+  drawBox(x1, y1, x2, y2, fillStyle);
+}
+
+void PainterSurface::drawLine(float x1, float y1, float x2, float y2) {
+  if (!m_painter) return;
+  m_painter->drawLine(QPointF(px(x1), px(y1)), QPointF(px(x2), px(y2)));
+}
+
+void PainterSurface::drawPolyLine(const std::vector<float>& points) {
+  if (!m_painter) return;
+  const std::vector<QPointF> vertices = polylineVertices(points);
+  QPolygonF line;
+  for (const QPointF& v : vertices)
+    line << QPointF(px(static_cast<float>(v.x())), px(static_cast<float>(v.y())));
+  m_painter->drawPolyline(line);
+}
+
+void PainterSurface::drawHText(float x1, float y1, float x2, float y2, const QString& text,
+                               int format) {
+  if (!m_painter) return;
+  const QRect rect(QPoint(textPixel(x1, m_dpi), textPixel(y1, m_dpi)),
+                   QPoint(textPixel(x2, m_dpi), textPixel(y2, m_dpi)));
+  m_painter->setFont(font());
+  m_painter->drawText(rect.normalized(), alignmentOf(effectiveTextFormat(format)), text);
+}
+
+void PainterSurface::drawText(float x, float y, const QString& text, int angle) {
+  if (!m_painter) return;
+  const QFont f = font();
+  m_painter->save();
+  m_painter->setFont(f);
+  m_painter->translate(textPixel(x, m_dpi), textPixel(y, m_dpi));
+  m_painter->rotate(-angle);
+  m_painter->drawText(QPointF(0.0, QFontMetricsF(f, m_painter->device()).ascent()), text);
+  m_painter->restore();
+}
+
+ImageSurface::ImageSurface(double dotsPerInch) : PainterSurface(dotsPerInch) {}
+
+ImageSurface::~ImageSurface() { ImageSurface::endPage(); }
+
+void ImageSurface::beginPage(int widthMm, int heightMm) {
+  endPage();
+  QImage image(pagePixels(widthMm, heightMm, effectiveDpi()), QImage::Format_RGB32);
+  image.setDotsPerMeterX(static_cast<int>(std::lround(effectiveDpi() / 0.0254)));
+  image.setDotsPerMeterY(image.dotsPerMeterX());
+  image.fill(Qt::white);
+  m_images.push_back(std::move(image));
+  m_pagePainter = std::make_unique<QPainter>(&m_images.back());
+  setPainter(m_pagePainter.get());
+}
+
+void ImageSurface::endPage() {
+  if (!m_pagePainter) return;
+  setPainter(nullptr);
+  m_pagePainter->end();
+  m_pagePainter.reset();
+}
+
+PdfSurface::PdfSurface(const QString& path, const QString& title)
+    : PainterSurface(kPdfDpi), m_writer(std::make_unique<QPdfWriter>(path)) {
+  m_writer->setResolution(static_cast<int>(kPdfDpi));
+  m_writer->setCreator(QStringLiteral("Delvane"));
+  if (!title.isEmpty()) m_writer->setTitle(title);
+  m_writer->setPageMargins(QMarginsF(0, 0, 0, 0));
+}
+
+PdfSurface::~PdfSurface() { finish(); }
+
+void PdfSurface::beginPage(int widthMm, int heightMm) {
+  if (m_failed) return;
+  const QPageSize size(QSizeF(widthMm, heightMm), QPageSize::Millimeter, QString(),
+                       QPageSize::ExactMatch);
+  m_writer->setPageSize(size);
+  if (!m_pagePainter) {
+    m_pagePainter = std::make_unique<QPainter>();
+    if (!m_pagePainter->begin(m_writer.get())) {
+      m_failed = true;
+      m_pagePainter.reset();
+      return;
+    }
+    setPainter(m_pagePainter.get());
+  } else {
+    m_writer->newPage();
+    setPainter(m_pagePainter.get());
+  }
+}
+
+bool PdfSurface::finish() {
+  if (m_pagePainter) {
+    setPainter(nullptr);
+    if (!m_pagePainter->end()) m_failed = true;
+    m_pagePainter.reset();
+  }
+  return !m_failed;
+}
+
+struct SvgSurface::Page {
+  QSvgGenerator generator;
+  QPainter painter;
+};
+
+SvgSurface::SvgSurface(std::function<QString(int)> pathOfPage)
+    : PainterSurface(kSvgDpi), m_pathOfPage(std::move(pathOfPage)) {}
+
+SvgSurface::~SvgSurface() { SvgSurface::endPage(); }
+
+void SvgSurface::beginPage(int widthMm, int heightMm) {
+  endPage();
+  const QString path = m_pathOfPage(static_cast<int>(m_written.size()));
+  m_page = std::make_unique<Page>();
+  const QSize pixels = pagePixels(widthMm, heightMm, kSvgDpi);
+  m_page->generator.setFileName(path);
+  m_page->generator.setSize(pixels);
+  m_page->generator.setViewBox(QRect(QPoint(0, 0), pixels));
+  m_page->generator.setResolution(static_cast<int>(kSvgDpi));
+  m_page->generator.setTitle(QStringLiteral("Delvane"));
+  if (!m_page->painter.begin(&m_page->generator)) {
+    m_page.reset();
+    return;
+  }
+  m_page->painter.fillRect(QRect(QPoint(0, 0), pixels), Qt::white);
+  setPainter(&m_page->painter);
+  m_written.append(path);
+}
+
+void SvgSurface::endPage() {
+  if (!m_page) return;
+  setPainter(nullptr);
+  m_page->painter.end();
+  m_page.reset();
+}
+
+}  // namespace drawing
