@@ -4,6 +4,10 @@
 #include "drawing/sheettitle.h"
 #include "engine/sectionviews.h"
 
+#include <QString>
+
+#include <vector>
+
 namespace drawing {
 
 // The settings of the Options dialog's L Section tab that the sheet follows.
@@ -19,7 +23,9 @@ struct LongSectionSheetOptions {
 
 // The longitudinal-section sheet: the ground on the left, centre and right and the design level
 // along the chainage over a datum, with their values in a band below, page after page until
-// the chainage range ends.
+// the chainage range ends. The three ground lines share the existing ground's blue and are told
+// apart by their pens: left dashed, centre solid, right dotted. A line that runs on past a
+// page's edge is cut there and picked up at the same level on the next page.
 class LongSectionSheet : public SheetProducer {
  public:
   LongSectionSheet(engine::LongProfile profile, LongSectionSheetOptions options);
@@ -29,14 +35,32 @@ class LongSectionSheet : public SheetProducer {
 
   int pageWidthMm() const;
   int pageHeightMm() const;
-  // The datum of a page, in whole metres.
+  // The datum of a page (0-based), in whole metres: the fixed datum when one is set, else the
+  // whole part of the lowest level drawn on that page, minus 1. 0 for a page that does not exist.
   int datumOf(int page) const;
 
  private:
+  // Where one page runs along the chainage and the levels it is drawn over.
+  struct PagePlan {
+    double startMetres = 0.0;  // the chainage at the drawing's left edge
+    int first = 0;             // rows [first, last] of m_profile.rows lie on the page;
+    int last = -1;             // last < first when none does
+    int datum = 0;             // whole metres
+    int topLevel = 0;          // the whole metre the level scale ends at
+  };
+
+  void planPages();
+  QString titleOf(int page) const;
+  float yOfLevel(double level, const PagePlan& plan) const;
+  float xOfChainage(double metres, const PagePlan& plan) const;
+
   engine::LongProfile m_profile;
   LongSectionSheetOptions m_options;
-  // Rows of each page: [first, last] indices into m_profile.rows.
-  std::vector<std::pair<int, int>> m_pages;
+  double m_metresPerPage = 0.0;  // the options with their guards applied
+  double m_verticalScale = 0.0;
+  float m_unitsPerLevelMetre = 0.0f;  // sheet units per metre of level
+  int m_pageHeightMm = 0;
+  std::vector<PagePlan> m_pages;
 };
 
 }  // namespace drawing
