@@ -6,6 +6,8 @@
 #include "app/helpwindow.h"
 #include "app/mdiarrange.h"
 #include "app/opendatabase.h"
+#include "app/plotsheets.h"
+#include "app/printform.h"
 #include "app/settings.h"
 #include "app/toolicons.h"
 #include "app/twips.h"
@@ -234,8 +236,7 @@ void frmMain::createMenus() {
   addMenuItem(data, QStringLiteral("mnuDataOutlets"), QStringLiteral("Outlets"),
               &frmMain::dataOutlets);
 
-  // The section viewers and the plotted sheets belong to the drawing windows, which are wired
-  // here when they exist.
+  // The section viewers belong to the drawing windows, which are wired here when they exist.
   QMenu* output = addMenu(QStringLiteral("mnuOutput"), QStringLiteral("&Output"));
   addMenuItem(output, QStringLiteral("mnuOutputViewLSec"), QStringLiteral("View L Section"),
               nullptr);
@@ -245,9 +246,9 @@ void frmMain::createMenus() {
               &frmMain::outputViewQuantity);
   output->addSeparator();
   addMenuItem(output, QStringLiteral("mnuOutputLSection"), QStringLiteral("Plot L Section"),
-              nullptr);
+              &frmMain::outputPlotLSection);
   addMenuItem(output, QStringLiteral("mnuOutputXSection"), QStringLiteral("Plot X Section"),
-              nullptr);
+              &frmMain::outputPlotXSection);
   output->addSeparator();
   addMenuItem(output, QStringLiteral("mnuOutputQuantity"), QStringLiteral("Export Quantity Sheet"),
               &frmMain::outputExportQuantity);
@@ -548,6 +549,11 @@ void frmMain::filePageSetup() {
 void frmMain::filePrint() {
   QMdiSubWindow* child = activeChild();
   if (!child || !child->widget()) return;
+  // A page window sets the paper up for its sheet and draws the sheet again on the printer.
+  if (auto* form = qobject_cast<PrintForm*>(child->widget())) {
+    form->PrintThis();
+    return;
+  }
   QPrintDialog dialog(&printer(), this);
   dialog.setWindowTitle(QStringLiteral("Print"));
   dialog.setOption(QAbstractPrintDialog::PrintPageRange, false);
@@ -737,6 +743,16 @@ void frmMain::outputViewQuantity() {
     sheets::modGridStyles::ShowQuantitySummary(m_context);
   } catch (const db::Error&) {
   }
+}
+
+void frmMain::outputPlotLSection() {
+  if (PrintForm* form = plotLongSection(m_state, m_context, this))
+    form->setSaveFileFunction(m_saveFile);
+}
+
+void frmMain::outputPlotXSection() {
+  if (PrintForm* form = plotCrossSections(m_state, m_context, this))
+    form->setSaveFileFunction(m_saveFile);
 }
 
 void frmMain::outputExportQuantity() {

@@ -109,6 +109,8 @@ class frmMain : public QMainWindow, public sheets::MainWindowLink {
   void dataExecuted();
   void dataOutlets();
   void outputViewQuantity();
+  void outputPlotLSection();
+  void outputPlotXSection();
   void outputExportQuantity();
   // Writes the quantity sheet of the current section to path, as a workbook or, for a name
   // ending in ".csv", as comma-separated text; a name without an extension gets ".xlsx". True

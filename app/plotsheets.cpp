@@ -1,0 +1,206 @@
+#include "app/plotsheets.h"
+
+#include "app/appstate.h"
+#include "db/connection.h"
+#include "drawing/sheettitle.h"
+#include "engine/designsection.h"
+#include "engine/numberformat.h"
+#include "engine/reporter.h"
+#include "engine/sectionviews.h"
+#include "engine/session.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QRegularExpression>
+
+#include <iterator>
+#include <memory>
+
+namespace app {
+
+namespace {
+
+// The progress window and the wait cursor for the length of a computation.
+class ComputingScope {
+ public:
+  explicit ComputingScope(engine::Reporter& reporter) : m_reporter(reporter) {
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+  }
+  ~ComputingScope() {
+    m_reporter.progressEnd();
+    QApplication::restoreOverrideCursor();
+  }
+  ComputingScope(const ComputingScope&) = delete;
+  ComputingScope& operator=(const ComputingScope&) = delete;
+
+ private:
+  engine::Reporter& m_reporter;
+};
+
+QString sectionName(const drawing::SheetTitle& title) {
+  return title.sectionDescription.isEmpty()
+             ? QStringLiteral("Section ") + QString::number(title.sectionId)
+             : title.sectionDescription;
+}
+
+// A file name from the section's name and the kind of sheet, without the characters file
+// systems refuse.
+QString fileNameOf(const drawing::SheetTitle& title, const QString& kind) {
+  QString name = sectionName(title).trimmed() + QLatin1Char(' ') + kind;
+  name.replace(QRegularExpression(QStringLiteral("[\\\\/:*?\"<>|]")), QStringLiteral("_"));
+  return name;
+}
+
+drawing::SheetTitle sheetTitleOf(const AppState& state) {
+  drawing::SheetTitle title;
+  title.projectFile = QFileInfo(state.strDatabasePath).fileName();
+  title.packageName = state.strPackageName;
+  title.sectionDescription = state.strSectionDescription;
+  title.sectionId = state.lngSectionID;
+  if (state.engine) title.symbols = state.engine->numberSymbols();
+  return title;
+}
+
+PrintForm* openForm(AppState& state, const sheets::SheetContext& context, PrintSheet sheet) {
+  auto* form = new PrintForm(context, std::move(sheet));
+  form->setAttribute(Qt::WA_DeleteOnClose);
+  if (!state.strDatabasePath.isEmpty())
+    form->setSaveFolder(QFileInfo(state.strDatabasePath).absolutePath());
+  if (context.link)
+    context.link->showChild(form);
+  else
+    form->show();
+  return form;
+}
+
+}  // namespace
+
+PrintSheet crossSectionPrintSheet(std::vector<engine::CrossSection> sections,
+                                  drawing::CrossSectionSheetOptions options) {
+  PrintSheet sheet;
+  sheet.caption = QStringLiteral("Cross sections - ") + sectionName(options.title);
+  sheet.fileName = fileNameOf(options.title, QStringLiteral("cross sections"));
+  const auto shared =
+      std::make_shared<const std::vector<engine::CrossSection>>(std::move(sections));
+  sheet.produce = [shared, options](double printFactor) {
+    drawing::CrossSectionSheetOptions atFactor = options;
+    atFactor.printFactor = printFactor;
+    return std::make_unique<drawing::CrossSectionSheet>(*shared, atFactor);
+  };
+  const drawing::CrossSectionSheet laidOut(*shared, options);
+  sheet.pageMm = QSize(laidOut.pageWidthMm(), laidOut.pageHeightMm());
+  return sheet;
+}
+
+PrintSheet longSectionPrintSheet(engine::LongProfile profile,
+                                 drawing::LongSectionSheetOptions options) {
+  PrintSheet sheet;
+  sheet.caption = QStringLiteral("Longitudinal section - ") + sectionName(options.title);
+  sheet.fileName = fileNameOf(options.title, QStringLiteral("longitudinal section"));
+  const auto shared = std::make_shared<const engine::LongProfile>(std::move(profile));
+  sheet.produce = [shared, options](double printFactor) {
+    drawing::LongSectionSheetOptions atFactor = options;
+    atFactor.printFactor = printFactor;
+    return std::make_unique<drawing::LongSectionSheet>(*shared, atFactor);
+  };
+  const drawing::LongSectionSheet laidOut(*shared, options);
+  sheet.pageMm = QSize(laidOut.pageWidthMm(), laidOut.pageHeightMm());
+  return sheet;
+}
+
+QStringList crossSectionScaleLabels() {
+  // The native scale draws a metre as one sheet unit.
+  QStringList labels{QStringLiteral("1:%1 (1 m = %2 mm)")
+                         .arg(engine::formatNumber(1000.0 / drawing::kMmPerUnit, 0))
+                         .arg(drawing::kMmPerUnit)};
+  for (int n : drawing::kStandardScales) labels.append(QStringLiteral("1:%1").arg(n));
+  return labels;
+}
+
+int crossSectionScaleAt(int index) {
+  if (index < 1 || index > static_cast<int>(std::size(drawing::kStandardScales)))
+    return drawing::kNativeScale;
+  return drawing::kStandardScales[index - 1];
+}
+
+PrintForm* plotCrossSections(AppState& state, const sheets::SheetContext& context,
+                             QWidget* parent) {
+  if (!state.engine || state.lngSectionID < 1) return nullptr;
+  engine::EngineSession& session = *state.engine;
+  engine::Reporter& reporter = session.reporter();
+  std::vector<engine::CrossSection> sections;
+  try {
+    const ComputingScope computing(reporter);
+    sections = engine::computeCrossSections(session, [&reporter](int index, int count) {
+      if (index == 0)
+        reporter.progressStart(QStringLiteral("Computing cross sections..."), count, true);
+      reporter.progressValue(index);
+      reporter.processEvents();
+      return true;
+    });
+  } catch (const db::Error& error) {
+    context.warn(parent,
+                 QStringLiteral("The cross sections could not be computed: ") + error.message());
+    return nullptr;
+  }
+
+  drawing::CrossSectionSheetOptions options;
+  options.executed = context.isUseExecutedLevel();
+  options.title = sheetTitleOf(state);
+  const bool empty = sections.empty();
+  const auto shared =
+      std::make_shared<const std::vector<engine::CrossSection>>(std::move(sections));
+  const auto sheetAtScale = [shared, options](int index) {
+    drawing::CrossSectionSheetOptions atScale = options;
+    atScale.scale = crossSectionScaleAt(index);
+    return crossSectionPrintSheet(*shared, atScale);
+  };
+  PrintForm* form = openForm(state, context, sheetAtScale(0));
+  form->setScaleChoice(crossSectionScaleLabels(), 0, sheetAtScale);
+  if (empty)
+    context.ask(parent,
+                QStringLiteral("Section %1 has no chainages to plot: its sheet is an empty page.")
+                    .arg(sectionName(options.title)),
+                QStringLiteral("Delvane"), sheets::MessageButtons::Ok,
+                sheets::MessageIcon::Information);
+  return form;
+}
+
+PrintForm* plotLongSection(AppState& state, const sheets::SheetContext& context, QWidget* parent) {
+  if (!state.engine || state.lngSectionID < 1) return nullptr;
+  engine::EngineSession& session = *state.engine;
+  engine::LongProfile profile;
+  std::vector<float> chainages;
+  try {
+    const ComputingScope computing(session.reporter());
+    engine::ResetDesignCache(session);
+    chainages = engine::quantityChainages(session);
+    if (chainages.size() >= 2) {
+      session.reporter().progressStart(QStringLiteral("Computing the longitudinal section..."), 0,
+                                       false);
+      profile = engine::computeLongProfile(session, chainages.front(), chainages.back(),
+                                           context.isUseExecutedLevel());
+    }
+  } catch (const db::Error& error) {
+    context.warn(parent, QStringLiteral("The longitudinal section could not be computed: ") +
+                             error.message());
+    return nullptr;
+  }
+  if (chainages.size() < 2) {
+    context.warn(parent, QStringLiteral("Insufficient levels to plot L-Section. Atleast 2 "
+                                        "sections are required."));
+    return nullptr;
+  }
+
+  drawing::LongSectionSheetOptions options;
+  options.executed = context.isUseExecutedLevel();
+  options.metresPerPage = state.settings.MetersPerPage;
+  options.verticalScale = state.settings.LSectionScale;
+  options.fixedDatum = state.settings.FixedDatum;
+  options.fixedDatumValue = state.settings.FixedDatumVal;
+  options.title = sheetTitleOf(state);
+  return openForm(state, context, longSectionPrintSheet(std::move(profile), options));
+}
+
+}  // namespace app
