@@ -75,5 +75,7 @@ extern const Command kExportCommands[];
 extern const int kExportCommandCount;
 extern const Command kQuantityCommands[];
 extern const int kQuantityCommandCount;
+extern const Command kPlotCommands[];
+extern const int kPlotCommandCount;
 
 }  // namespace cli

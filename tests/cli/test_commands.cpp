@@ -5,11 +5,18 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QStandardPaths>
 
 #include <gtest/gtest.h>
+
+#include <optional>
+#include <vector>
 
 using testsupport::runCli;
 using testsupport::TempProject;
@@ -234,7 +241,52 @@ INSTANTIATE_TEST_SUITE_P(
                 "none.delvane"},
         CliCase{"ExportToUnwritableFolder", Project::HandBuilt, nullptr,
                 "export FILE --section 1 --output DIR/nofolder/q.csv", 3, nullptr,
-                "DIR/nofolder/q.csv cannot be written: "}),
+                "DIR/nofolder/q.csv cannot be written: "},
+        // Plot. The hand-built section's two small cross-sections share one page.
+        CliCase{"PlotCrossSectionsJson", Project::HandBuilt, nullptr,
+                "plot FILE --section 1 --output DIR/x.pdf --json", 0,
+                R"(~"kind":"cross","outputs":[)", nullptr, "DIR/x.pdf", "%PDF"},
+        CliCase{"PlotCountsPagesAndSections", Project::HandBuilt, nullptr,
+                "plot FILE --section 1 --output DIR/x.json --json", 0,
+                R"(~"pages":1,"section":1,"sections_drawn":2})", nullptr, "DIR/x.json", "{"},
+        CliCase{"PlotSaysWhatItWrote", Project::HandBuilt, nullptr,
+                "plot FILE --section 1 --scale 200 --output DIR/x.svg", 0,
+                "~Wrote 1 page of cross sections of section 1 to ", nullptr, "DIR/x.svg", "<?xml"},
+        CliCase{"PlotLongSection", Project::HandBuilt, nullptr,
+                "plot FILE --section 1 --long --datum 95 --output DIR/l.pdf --json", 0,
+                R"(~"kind":"long","outputs":[)", nullptr, "DIR/l.pdf", "%PDF"},
+        // The demo's section 1 runs from km 0 to 4 every 20 m; its longitudinal sheet puts
+        // 1,000 m on a page, and the chainage on the edge of two pages stands on both.
+        CliCase{"PlotCountsEveryChainageOfTheDemo", Project::Demo, nullptr,
+                "plot FILE --section 1 --output DIR/x.json --json", 0,
+                R"(~"section":1,"sections_drawn":201})", nullptr, "DIR/x.json", "{"},
+        CliCase{"PlotLongCountsTheChainagesOfItsPages", Project::Demo, nullptr,
+                "plot FILE --section 1 --long --pages 2-3 --output DIR/l.json --json", 0,
+                R"(~"pages":2,"section":1,"sections_drawn":101})", nullptr, "DIR/l.json", "{"},
+        CliCase{"PlotLongMetresPerPage", Project::Demo, nullptr,
+                "plot FILE --section 1 --long --metres-per-page 500 --output DIR/l.json --json", 0,
+                R"(~"pages":8,"section":1,"sections_drawn":201})", nullptr, "DIR/l.json", "{"},
+        // Executed levels stop at km 1: the sheet is drawn and the missing ones are reported.
+        CliCase{"PlotReportsMissingExecutedLevels", Project::Demo, nullptr,
+                "plot FILE --section 1 --executed --pages 1 --output DIR/x.json", 1,
+                "~Wrote 1 page", "Chainage not found in executed levels : 1.02\n", "DIR/x.json",
+                "{"},
+        CliCase{"PlotLongNeedsTwoChainages", Project::HandBuilt,
+                "DELETE FROM Initial WHERE Chainage > 0",
+                "plot FILE --section 1 --long --output DIR/l.pdf", 1, "",
+                "Insufficient levels to plot L-Section. Atleast 2 sections are required.\n",
+                "DIR/l.pdf"},
+        CliCase{"PlotSectionWithoutChainages", Project::HandBuilt, "DELETE FROM Initial",
+                "plot FILE --section 1 --output DIR/x.pdf", 1, nullptr,
+                "Section 1 has no chainages to draw", "DIR/x.pdf", "%PDF"},
+        CliCase{"PlotUnknownSection", Project::HandBuilt, nullptr,
+                "plot FILE --section 99 --output DIR/x.pdf", 2, "", "no section 99", "DIR/x.pdf"},
+        CliCase{"PlotPagesBeyondTheSheet", Project::HandBuilt, nullptr,
+                "plot FILE --section 1 --pages 2 --output DIR/x.pdf", 2, "",
+                "Usage: delvane-cli plot [options] FILE", "DIR/x.pdf"},
+        CliCase{"PlotToUnwritableFolder", Project::HandBuilt, nullptr,
+                "plot FILE --section 1 --output DIR/nofolder/x.pdf", 3, "",
+                "nofolder/x.pdf cannot be written."}),
     [](const auto& info) { return std::string(info.param.name); });
 
 // Each bad command line against one demo project: exit 2, nothing printed, an error naming the
@@ -281,6 +333,16 @@ TEST(CliUsage, BadCommandLinesExitWithUsageAndWriteNothing) {
       {"areas FILE --section 99 --chainage 0.5", "no section 99"},
       {"design-level FILE --section 99 --chainage 0.5", "no section 99"},
       {"validate FILE --section 99", "Usage: delvane-cli validate [options] FILE"},
+      {"plot FILE --section 1 --output DIR/x.pdf --scale 300", "--scale"},
+      {"plot FILE --section 1 --output DIR/x.pdf --long --scale 100", "--scale"},
+      {"plot FILE --section 1 --output DIR/x.pdf --pages 2-1", "--pages"},
+      {"plot FILE --section 1 --output DIR/x.pdf --pages 1-", "--pages"},
+      {"plot FILE --section 1 --output DIR/x.pdf --pages 900-999", "--pages"},
+      {"plot FILE --section 1 --output DIR/x.dxf", "--output"},
+      {"plot FILE --section 1", "--output"},
+      {"plot FILE --section 1 --output DIR/x.pdf --datum 95", "--long"},
+      {"plot FILE --section 1 --output DIR/x.pdf --long --metres-per-page 0", "metres-per-page"},
+      {"plot FILE --section 1 --output DIR/x.pdf --long --datum low", "--datum"},
   };
   for (const auto& k : cases) {
     SCOPED_TRACE(k.args);
@@ -378,6 +440,163 @@ TEST(CliAreas, DemoJsonMatchesItsGoldenFile) {
   QFile golden(path);
   ASSERT_TRUE(golden.open(QIODevice::ReadOnly | QIODevice::Text)) << path.toStdString();
   EXPECT_EQ(r.out.toStdString(), QString::fromUtf8(golden.readAll()).toStdString());
+}
+
+// ---- plot on the demo ----------------------------------------------------------------------
+
+// Runs plot on section 1 of project with --json, writing output into its folder; the parsed
+// summary, empty after a failed run.
+QJsonObject plotDemo(const TempProject& project, const QString& output,
+                     const QStringList& options) {
+  const auto r =
+      runCli(QStringList{QStringLiteral("plot"), project.path(), QStringLiteral("--section"),
+                         QStringLiteral("1"), QStringLiteral("--json"), QStringLiteral("--output"),
+                         project.dir().filePath(output)} +
+             options);
+  EXPECT_LE(r.code, cli::kDataProblems) << r.err.toStdString();
+  return QJsonDocument::fromJson(r.out.toUtf8()).object();
+}
+
+QStringList words(const char* text) {
+  return QString::fromUtf8(text).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+}
+
+struct PlotOutputCase {
+  const char* name;
+  const char* output;
+  const char* pages;
+  std::vector<const char*> files;  // what the command must write, and nothing else
+  const char* start;               // how each file starts
+};
+
+class CliPlotOutputTest : public ::testing::TestWithParam<PlotOutputCase> {};
+
+TEST_P(CliPlotOutputTest, WritesTheFilesOfItsFormat) {
+  const PlotOutputCase& k = GetParam();
+  TempProject project;
+  project.create(true);
+  const QJsonObject summary = plotDemo(project, QString::fromUtf8(k.output),
+                                       {QStringLiteral("--pages"), QString::fromUtf8(k.pages)});
+  QStringList expected, reported;
+  for (const char* f : k.files) expected.append(QString::fromUtf8(f));
+  for (const QJsonValue& v : summary.value(QStringLiteral("outputs")).toArray())
+    reported.append(QFileInfo(v.toString()).fileName());
+  EXPECT_EQ(reported, expected);
+  QStringList onDisk = QDir(project.dir().path()).entryList(QDir::Files, QDir::Name);
+  onDisk.removeAll(QStringLiteral("test.delvane"));
+  EXPECT_EQ(onDisk, expected);
+  for (const QString& f : expected) {
+    QFile file(project.dir().filePath(f));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << f.toStdString();
+    EXPECT_TRUE(file.readAll().startsWith(k.start)) << f.toStdString();
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Formats, CliPlotOutputTest,
+    ::testing::Values(
+        PlotOutputCase{"PdfHoldsEveryPage", "x.pdf", "1-2", {"x.pdf"}, "%PDF"},
+        PlotOutputCase{"PngNumbersItsPages", "x.png", "1-2", {"x-1.png", "x-2.png"}, "\x89PNG"},
+        PlotOutputCase{"PngOfOnePageKeepsTheName", "x.png", "2", {"x.png"}, "\x89PNG"},
+        PlotOutputCase{"SvgFilePerPage", "x.svg", "2-3", {"x-1.svg", "x-2.svg"}, "<?xml"},
+        PlotOutputCase{"JsonHoldsEveryPage", "x.json", "1-2", {"x.json"}, "{"}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+// Runs a poppler tool; nullopt when it is not installed.
+std::optional<QString> poppler(const char* tool, const QStringList& args) {
+  const QString program = QStandardPaths::findExecutable(QString::fromLatin1(tool));
+  if (program.isEmpty()) return std::nullopt;
+  QProcess p;
+  p.start(program, args);
+  p.waitForFinished(60000);
+  return QString::fromUtf8(p.readAllStandardOutput());
+}
+
+// Each sheet read back from its PDF: as many pages as reported, and a text of its band.
+TEST(CliPlot, DemoPdfsHaveTheReportedPagesAndTheirBandTitles) {
+  if (QStandardPaths::findExecutable(QStringLiteral("pdfinfo")).isEmpty() ||
+      QStandardPaths::findExecutable(QStringLiteral("pdftotext")).isEmpty())
+    GTEST_SKIP() << "pdfinfo and pdftotext (poppler-utils) are not installed";
+  TempProject project;
+  project.create(true);
+  for (const auto& [options, text] :
+       {std::pair{"--pages 1-2", "DISTANCE IN METER"}, std::pair{"--long --pages 1-2", "DATUM"}}) {
+    SCOPED_TRACE(options);
+    const QString pdf = project.dir().filePath(QStringLiteral("x.pdf"));
+    const QJsonObject summary = plotDemo(project, QStringLiteral("x.pdf"), words(options));
+    const QRegularExpressionMatch pages = QRegularExpression(QStringLiteral("^Pages:\\s+(\\d+)$"),
+                                                             QRegularExpression::MultilineOption)
+                                              .match(poppler("pdfinfo", {pdf}).value_or(QString()));
+    ASSERT_TRUE(pages.hasMatch());
+    EXPECT_EQ(pages.captured(1).toInt(), summary.value(QStringLiteral("pages")).toInt());
+    // The legend wraps its titles over lines.
+    const QString read = poppler("pdftotext", {pdf, QStringLiteral("-")})->simplified();
+    EXPECT_TRUE(read.contains(QString::fromUtf8(text))) << read.toStdString();
+  }
+}
+
+// The recorded primitives are for scripts: every page names its size, its layers' styles and
+// primitives that use those layers, under a title naming the package and the section.
+TEST(CliPlot, JsonOutputHoldsPagesLayersAndPrimitives) {
+  TempProject project;
+  project.create(true);
+  const QJsonObject summary = plotDemo(project, QStringLiteral("x.json"), words("--pages 1-2"));
+  QFile file(project.dir().filePath(QStringLiteral("x.json")));
+  ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+  const QJsonArray pages =
+      QJsonDocument::fromJson(file.readAll()).object().value(QStringLiteral("pages")).toArray();
+  ASSERT_EQ(pages.size(), summary.value(QStringLiteral("pages")).toInt());
+  for (const QJsonValue& page : pages) {
+    EXPECT_GT(page[QStringLiteral("width_mm")].toInt(), 0);
+    EXPECT_GT(page[QStringLiteral("height_mm")].toInt(), 0);
+    const QJsonArray layers = page[QStringLiteral("layers")].toArray();
+    ASSERT_FALSE(layers.isEmpty());
+    for (const QJsonValue& layer : layers)
+      for (const char* key : {"fore", "fill", "fill_style", "width", "style", "font", "size"})
+        EXPECT_TRUE(layer.toObject().contains(QLatin1String(key))) << key;
+    bool titled = false;
+    for (const QJsonValue& p : page[QStringLiteral("primitives")].toArray()) {
+      EXPECT_FALSE(p[QStringLiteral("op")].toString().isEmpty());
+      const int layer = p[QStringLiteral("layer")].toInt(-1);
+      EXPECT_TRUE(layer >= 0 && layer < layers.size()) << layer;
+      EXPECT_FALSE(p[QStringLiteral("coords")].toArray().isEmpty());
+      titled = titled || p[QStringLiteral("text")].toString().contains(
+                             QStringLiteral("Right Main Canal - RMC km 0.000 to 4.000"));
+    }
+    EXPECT_TRUE(titled);
+  }
+}
+
+TEST(CliPlot, CrossSectionCountsAddUpOverPages) {
+  TempProject project;
+  project.create(true);
+  const auto drawn = [&](const char* pages) {
+    return plotDemo(project, QStringLiteral("x.json"), {QStringLiteral("--pages"), pages})
+        .value(QStringLiteral("sections_drawn"))
+        .toInt();
+  };
+  EXPECT_GT(drawn("1"), 0);
+  EXPECT_EQ(drawn("1-2"), drawn("1") + drawn("2"));
+}
+
+// Every option changes what is drawn: each is compared with the drawing without it.
+TEST(CliPlot, EveryOptionReachesTheSheet) {
+  TempProject project;
+  project.create(true);
+  const auto drawing = [&](const QStringList& options) {
+    plotDemo(project, QStringLiteral("x.json"), options);
+    QFile file(project.dir().filePath(QStringLiteral("x.json")));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+  };
+  for (const auto& [base, option] :
+       {std::pair{"--pages 1", "--scale 500"}, std::pair{"--pages 1", "--executed"},
+        std::pair{"--long", "--metres-per-page 800"}, std::pair{"--long", "--vertical-scale 50"},
+        std::pair{"--long", "--datum 140"}, std::pair{"--long", "--executed"}}) {
+    SCOPED_TRACE(option);
+    const QByteArray plain = drawing(words(base));
+    ASSERT_FALSE(plain.isEmpty());
+    EXPECT_NE(drawing(words(base) + words(option)), plain);
+  }
 }
 
 }  // namespace
