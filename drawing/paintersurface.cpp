@@ -86,14 +86,29 @@ PainterSurface::~PainterSurface() = default;
 
 void PainterSurface::setPainter(QPainter* painter) {
   m_painter = painter;
+  m_angle = 0;
+  m_unturn = QTransform();
   if (m_painter) {
     m_painter->setRenderHint(QPainter::Antialiasing);
     m_painter->setRenderHint(QPainter::TextAntialiasing);
+    m_painter->setBrush(Qt::NoBrush);
+    m_fillStyle = 1;
     applyLayer();
   }
 }
 
 double PainterSurface::px(float units) const { return unitsToTwips(units) * m_dpi / 1440.0; }
+
+QPointF PainterSurface::map(double x, double y) const { return m_unturn.map(QPointF(x, y)); }
+
+void PainterSurface::turnTo(int angle) {
+  if (angle == m_angle) return;
+  m_angle = angle;
+  QTransform turn;
+  turn.rotate(-angle);
+  m_painter->setWorldTransform(turn);
+  m_unturn = turn.inverted();
+}
 
 void PainterSurface::setLayer(int, const LayerStyle& style) {
   m_layer = style;
@@ -101,28 +116,32 @@ void PainterSurface::setLayer(int, const LayerStyle& style) {
 }
 
 void PainterSurface::applyLayer() {
+  m_font = QFont(m_layer.FontName.isEmpty() ? QStringLiteral("Arial") : m_layer.FontName);
+  m_font.setStyleHint(QFont::SansSerif);
+  m_font.setPixelSize(std::max(1, static_cast<int>(std::lround(m_layer.FontSize * m_dpi / 72.0))));
   if (!m_painter) return;
   // A width of 0 is the thinnest line the device draws in the platform's pens: one screen
   // pixel here, so that no line is a device-dependent hairline.
   const double width = std::max<int>(1, m_layer.DrawWidth) * m_dpi / kScreenDpi;
-  QPen pen(colourOf(m_layer.ForeColor), width, penStyleOf(m_layer.DrawStyle), Qt::FlatCap,
-           Qt::MiterJoin);
-  m_painter->setPen(pen);
-  m_painter->setBrush(Qt::NoBrush);
+  m_painter->setPen(QPen(colourOf(m_layer.ForeColor), width, penStyleOf(m_layer.DrawStyle),
+                         Qt::FlatCap, Qt::MiterJoin));
+  m_painter->setFont(m_font);
+  m_ascent = QFontMetricsF(m_font, m_painter->device()).ascent();
+  // The fill colour belongs to the layer: the next filled box sets its brush again.
+  if (m_fillStyle != 1) setBrushStyle(1);
 }
 
-QFont PainterSurface::font() const {
-  QFont f(m_layer.FontName.isEmpty() ? QStringLiteral("Arial") : m_layer.FontName);
-  f.setStyleHint(QFont::SansSerif);
-  f.setPixelSize(std::max(1, static_cast<int>(std::lround(m_layer.FontSize * m_dpi / 72.0))));
-  return f;
+void PainterSurface::setBrushStyle(int fillStyle) {
+  if (fillStyle == m_fillStyle) return;
+  m_fillStyle = fillStyle;
+  m_painter->setBrush(QBrush(colourOf(m_layer.FillColor), brushStyleOf(fillStyle)));
 }
 
 void PainterSurface::drawBox(float x1, float y1, float x2, float y2, int fillStyle) {
   if (!m_painter) return;
-  m_painter->setBrush(QBrush(colourOf(m_layer.FillColor), brushStyleOf(fillStyle)));
-  m_painter->drawRect(QRectF(QPointF(px(x1), px(y1)), QPointF(px(x2), px(y2))).normalized());
-  m_painter->setBrush(Qt::NoBrush);
+  if (m_angle % 90 != 0) turnTo(0);
+  setBrushStyle(fillStyle);
+  m_painter->drawRect(QRectF(map(px(x1), px(y1)), map(px(x2), px(y2))).normalized());
 }
 
 void PainterSurface::drawSolidBox(float x1, float y1, float x2, float y2, int fillStyle) {
@@ -131,36 +150,32 @@ void PainterSurface::drawSolidBox(float x1, float y1, float x2, float y2, int fi
 
 void PainterSurface::drawLine(float x1, float y1, float x2, float y2) {
   if (!m_painter) return;
-  m_painter->drawLine(QPointF(px(x1), px(y1)), QPointF(px(x2), px(y2)));
+  m_painter->drawLine(map(px(x1), px(y1)), map(px(x2), px(y2)));
 }
 
 void PainterSurface::drawPolyLine(const std::vector<float>& points) {
   if (!m_painter) return;
-  const std::vector<QPointF> vertices = polylineVertices(points);
   QPolygonF line;
-  for (const QPointF& v : vertices)
-    line << QPointF(px(static_cast<float>(v.x())), px(static_cast<float>(v.y())));
+  for (const QPointF& v : polylineVertices(points))
+    line << map(px(static_cast<float>(v.x())), px(static_cast<float>(v.y())));
   m_painter->drawPolyline(line);
 }
 
 void PainterSurface::drawHText(float x1, float y1, float x2, float y2, const QString& text,
                                int format) {
   if (!m_painter) return;
+  turnTo(0);
   const QRect rect(QPoint(textPixel(x1, m_dpi), textPixel(y1, m_dpi)),
                    QPoint(textPixel(x2, m_dpi), textPixel(y2, m_dpi)));
-  m_painter->setFont(font());
   m_painter->drawText(rect.normalized(), alignmentOf(effectiveTextFormat(format)), text);
 }
 
 void PainterSurface::drawText(float x, float y, const QString& text, int angle) {
   if (!m_painter) return;
-  const QFont f = font();
-  m_painter->save();
-  m_painter->setFont(f);
-  m_painter->translate(textPixel(x, m_dpi), textPixel(y, m_dpi));
-  m_painter->rotate(-angle);
-  m_painter->drawText(QPointF(0.0, QFontMetricsF(f, m_painter->device()).ascent()), text);
-  m_painter->restore();
+  turnTo(angle);
+  // The reference point is the top-left of the first character cell.
+  const QPointF at = map(textPixel(x, m_dpi), textPixel(y, m_dpi));
+  m_painter->drawText(at + QPointF(0.0, m_ascent), text);
 }
 
 ImageSurface::ImageSurface(double dotsPerInch) : PainterSurface(dotsPerInch) {}

@@ -3,10 +3,12 @@
 #include "drawing/drawingsurface.h"
 
 #include <QColor>
+#include <QFont>
 #include <QImage>
 #include <QSize>
 #include <QString>
 #include <QStringList>
+#include <QTransform>
 
 #include <functional>
 #include <memory>
@@ -53,11 +55,21 @@ class PainterSurface : public DrawingSurface {
  private:
   double px(float units) const;
   void applyLayer();
-  QFont font() const;
+  void setBrushStyle(int fillStyle);
+  // Turns the painter by angle degrees counter-clockwise about the page's origin, when it is
+  // not already; every primitive maps its points through the turn, so that a run of turned
+  // labels and their ticks changes the device's state once, not twice a label.
+  void turnTo(int angle);
+  QPointF map(double x, double y) const;
 
   double m_dpi;
   QPainter* m_painter = nullptr;
   LayerStyle m_layer;
+  QFont m_font;
+  double m_ascent = 0.0;
+  int m_fillStyle = 1;  // the brush in force
+  int m_angle = 0;      // the turn in force
+  QTransform m_unturn;  // page to turned coordinates
 };
 
 // Pages as images at dotsPerInch, white paper; for the preview and for PNG files.
