@@ -12,6 +12,8 @@
 #include <QApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QMdiArea>
+#include <QMdiSubWindow>
 #include <QRegularExpression>
 
 #include <iterator>
@@ -71,42 +73,48 @@ PrintForm* openForm(AppState& state, const sheets::SheetContext& context, PrintS
     context.link->showChild(form);
   else
     form->show();
+  // A sheet is wide: its window takes the whole work area.
+  if (auto* child = qobject_cast<QMdiSubWindow*>(form->parentWidget()); child && child->mdiArea()) {
+    child->move(0, 0);
+    child->resize(child->mdiArea()->viewport()->size());
+  }
+  form->setReadableZoom();
   return form;
+}
+
+}  // namespace
+
+namespace {
+
+// A page window's sheet of values: made again for every print factor from the shared values.
+template <typename Sheet, typename Values, typename Options>
+PrintSheet printSheetOf(Values values, const Options& options, const QString& kind) {
+  PrintSheet sheet;
+  sheet.caption = kind + QStringLiteral(" - ") + sectionName(options.title);
+  sheet.fileName = fileNameOf(options.title, kind.toLower());
+  const auto shared = std::make_shared<const Values>(std::move(values));
+  sheet.produce = [shared, options](double printFactor) {
+    Options atFactor = options;
+    atFactor.printFactor = printFactor;
+    return std::make_unique<Sheet>(*shared, atFactor);
+  };
+  const Sheet laidOut(*shared, options);
+  sheet.pageMm = QSize(laidOut.pageWidthMm(), laidOut.pageHeightMm());
+  return sheet;
 }
 
 }  // namespace
 
 PrintSheet crossSectionPrintSheet(std::vector<engine::CrossSection> sections,
                                   drawing::CrossSectionSheetOptions options) {
-  PrintSheet sheet;
-  sheet.caption = QStringLiteral("Cross sections - ") + sectionName(options.title);
-  sheet.fileName = fileNameOf(options.title, QStringLiteral("cross sections"));
-  const auto shared =
-      std::make_shared<const std::vector<engine::CrossSection>>(std::move(sections));
-  sheet.produce = [shared, options](double printFactor) {
-    drawing::CrossSectionSheetOptions atFactor = options;
-    atFactor.printFactor = printFactor;
-    return std::make_unique<drawing::CrossSectionSheet>(*shared, atFactor);
-  };
-  const drawing::CrossSectionSheet laidOut(*shared, options);
-  sheet.pageMm = QSize(laidOut.pageWidthMm(), laidOut.pageHeightMm());
-  return sheet;
+  return printSheetOf<drawing::CrossSectionSheet>(std::move(sections), options,
+                                                  QStringLiteral("Cross sections"));
 }
 
 PrintSheet longSectionPrintSheet(engine::LongProfile profile,
                                  drawing::LongSectionSheetOptions options) {
-  PrintSheet sheet;
-  sheet.caption = QStringLiteral("Longitudinal section - ") + sectionName(options.title);
-  sheet.fileName = fileNameOf(options.title, QStringLiteral("longitudinal section"));
-  const auto shared = std::make_shared<const engine::LongProfile>(std::move(profile));
-  sheet.produce = [shared, options](double printFactor) {
-    drawing::LongSectionSheetOptions atFactor = options;
-    atFactor.printFactor = printFactor;
-    return std::make_unique<drawing::LongSectionSheet>(*shared, atFactor);
-  };
-  const drawing::LongSectionSheet laidOut(*shared, options);
-  sheet.pageMm = QSize(laidOut.pageWidthMm(), laidOut.pageHeightMm());
-  return sheet;
+  return printSheetOf<drawing::LongSectionSheet>(std::move(profile), options,
+                                                 QStringLiteral("Longitudinal section"));
 }
 
 QStringList crossSectionScaleLabels() {

@@ -41,6 +41,8 @@ constexpr double kPrintDpi = 300.0;
 // Limits of the preview's resolution, so that a tiny window or a huge one stays drawable.
 constexpr double kMinimumDpi = 10.0;
 constexpr double kMaximumDpi = 600.0;
+// A page shown smaller than this share of its true size opens at 100 % instead.
+constexpr double kReadableShare = 0.75;
 // A page within this much of the paper is taken to fit it.
 constexpr double kFitTolerance = 1e-3;
 
@@ -301,6 +303,12 @@ void PrintForm::setZoom(Zoom zoom) {
   m_zoomBox->setCurrentIndex(m_zoomBox->findData(static_cast<int>(zoom)));
   layOutPage();
   m_pbGraph->update();
+}
+
+void PrintForm::setReadableZoom() {
+  m_zoom = Zoom::FitWidth;
+  updateDpi();
+  setZoom(m_dpi >= kReadableShare * screenLogicalDpiX(*this) ? Zoom::FitWidth : Zoom::Actual);
 }
 
 void PrintForm::updateDpi() {

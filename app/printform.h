@@ -79,6 +79,9 @@ class PrintForm : public QWidget, public sheets::WheelAware {
   void showPage(int page);
   Zoom zoom() const { return m_zoom; }
   void setZoom(Zoom zoom);
+  // Fit width when that shows the page at three quarters of its size or more, else 100 %: the
+  // zoom a sheet opens at, so that its 8-point labels can be read.
+  void setReadableZoom();
   // The resolution the page is shown at.
   double pageDpi() const { return m_dpi; }
   // The picture of the current page, drawn when first asked for at the current resolution.

@@ -30,18 +30,6 @@ constexpr int kReadings = 41;
 constexpr int kSizes[] = {1000, 10000};
 const char* const kMemoryMode = "--quantity-memory";
 
-// Counts error-list lines and drops everything else.
-class QuietReporter : public engine::Reporter {
- public:
-  void ShowError(const QString&) override { ++errors; }
-  void messageBox(const QString&, Icon) override {}
-  void progressStart(const QString&, int, bool) override {}
-  void progressValue(int) override {}
-  void progressEnd() override {}
-  void statusText(int, const QString&) override {}
-  int errors = 0;
-};
-
 long peakRssKb() {
   rusage usage{};
   getrusage(RUSAGE_SELF, &usage);
@@ -103,7 +91,7 @@ void evaluateFormulas(benchmark::State& state) {
 
 void quantityRun(benchmark::State& state, const QString& path) {
   auto connection = db::openProject(path);
-  QuietReporter reporter;
+  bench::QuietReporter reporter;
   engine::EngineSession session(*connection, reporter);
   if (session.LoadDesignProfile()) {
     state.SkipWithError("the design profile did not load");
@@ -146,7 +134,7 @@ std::string msText(double seconds) {
 // One quantity run in this process: prints the peak resident size before and after it.
 int measureMemory(const QString& path) {
   auto connection = db::openProject(path);
-  QuietReporter reporter;
+  bench::QuietReporter reporter;
   engine::EngineSession session(*connection, reporter);
   if (session.LoadDesignProfile()) return 1;
   session.setSection(1);

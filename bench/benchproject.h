@@ -1,5 +1,7 @@
 #pragma once
 
+#include "engine/reporter.h"
+
 #include <QString>
 
 namespace bench {
@@ -9,5 +11,17 @@ namespace bench {
 // across the canal, a design level, a design details row and a DesignQty row. The ground is
 // the same for every file, so a 10,000-chainage file starts with the 1,000-chainage one.
 void writeBenchProject(const QString& path, int chainages, int readings);
+
+// Counts error-list lines and drops everything else.
+class QuietReporter : public engine::Reporter {
+ public:
+  void ShowError(const QString&) override { ++errors; }
+  void messageBox(const QString&, Icon) override {}
+  void progressStart(const QString&, int, bool) override {}
+  void progressValue(int) override {}
+  void progressEnd() override {}
+  void statusText(int, const QString&) override {}
+  int errors = 0;
+};
 
 }  // namespace bench

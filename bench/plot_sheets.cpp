@@ -32,22 +32,10 @@ namespace {
 constexpr int kChainages = 1000;
 constexpr int kReadings = 41;
 
-// Counts error-list lines and drops everything else.
-class QuietReporter : public engine::Reporter {
- public:
-  void ShowError(const QString&) override { ++errors; }
-  void messageBox(const QString&, Icon) override {}
-  void progressStart(const QString&, int, bool) override {}
-  void progressValue(int) override {}
-  void progressEnd() override {}
-  void statusText(int, const QString&) override {}
-  int errors = 0;
-};
-
 // An open bench project with section 1 current and the design profile loaded.
 struct BenchSession {
   std::unique_ptr<db::Connection> connection;
-  QuietReporter reporter;
+  bench::QuietReporter reporter;
   std::unique_ptr<engine::EngineSession> session;
 
   bool open(const QString& path) {
