@@ -85,10 +85,12 @@ PainterSurface::PainterSurface(double dotsPerInch, double scale) : m_dpi(dotsPer
 PainterSurface::~PainterSurface() = default;
 
 void PainterSurface::setPainter(QPainter* painter) {
+  flushLines();
   m_painter = painter;
   m_angle = 0;
   m_unturn = QTransform();
   if (m_painter) {
+    m_painter->setWorldTransform(QTransform());  // a page goes on from a new page's corner
     m_painter->setRenderHint(QPainter::Antialiasing);
     m_painter->setRenderHint(QPainter::TextAntialiasing);
     m_painter->setBrush(Qt::NoBrush);
@@ -101,8 +103,15 @@ double PainterSurface::px(float units) const { return unitsToTwips(units) * m_dp
 
 QPointF PainterSurface::map(double x, double y) const { return m_unturn.map(QPointF(x, y)); }
 
+void PainterSurface::flushLines() {
+  if (m_lines.empty() || !m_painter) return;
+  m_painter->drawLines(m_lines.data(), static_cast<int>(m_lines.size()));
+  m_lines.clear();
+}
+
 void PainterSurface::turnTo(int angle) {
   if (angle == m_angle) return;
+  flushLines();
   m_angle = angle;
   QTransform turn;
   turn.rotate(-angle);
@@ -111,6 +120,7 @@ void PainterSurface::turnTo(int angle) {
 }
 
 void PainterSurface::setLayer(int, const LayerStyle& style) {
+  flushLines();
   m_layer = style;
   applyLayer();
 }
@@ -139,6 +149,7 @@ void PainterSurface::setBrushStyle(int fillStyle) {
 
 void PainterSurface::drawBox(float x1, float y1, float x2, float y2, int fillStyle) {
   if (!m_painter) return;
+  flushLines();
   if (m_angle % 90 != 0) turnTo(0);
   setBrushStyle(fillStyle);
   m_painter->drawRect(QRectF(map(px(x1), px(y1)), map(px(x2), px(y2))).normalized());
@@ -150,11 +161,12 @@ void PainterSurface::drawSolidBox(float x1, float y1, float x2, float y2, int fi
 
 void PainterSurface::drawLine(float x1, float y1, float x2, float y2) {
   if (!m_painter) return;
-  m_painter->drawLine(map(px(x1), px(y1)), map(px(x2), px(y2)));
+  m_lines.emplace_back(map(px(x1), px(y1)), map(px(x2), px(y2)));
 }
 
 void PainterSurface::drawPolyLine(const std::vector<float>& points) {
   if (!m_painter) return;
+  flushLines();
   QPolygonF line;
   for (const QPointF& v : polylineVertices(points))
     line << map(px(static_cast<float>(v.x())), px(static_cast<float>(v.y())));
@@ -164,6 +176,7 @@ void PainterSurface::drawPolyLine(const std::vector<float>& points) {
 void PainterSurface::drawHText(float x1, float y1, float x2, float y2, const QString& text,
                                int format) {
   if (!m_painter) return;
+  flushLines();
   turnTo(0);
   const QRect rect(QPoint(textPixel(x1, m_dpi), textPixel(y1, m_dpi)),
                    QPoint(textPixel(x2, m_dpi), textPixel(y2, m_dpi)));

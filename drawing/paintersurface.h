@@ -5,6 +5,7 @@
 #include <QColor>
 #include <QFont>
 #include <QImage>
+#include <QLineF>
 #include <QSize>
 #include <QString>
 #include <QStringList>
@@ -61,15 +62,19 @@ class PainterSurface : public DrawingSurface {
   // labels and their ticks changes the device's state once, not twice a label.
   void turnTo(int angle);
   QPointF map(double x, double y) const;
+  // Lines are gathered and drawn together when anything else is drawn or changes: a PDF then
+  // strokes a band's ticks as one path instead of one path each.
+  void flushLines();
 
   double m_dpi;
   QPainter* m_painter = nullptr;
   LayerStyle m_layer;
   QFont m_font;
   double m_ascent = 0.0;
-  int m_fillStyle = 1;  // the brush in force
-  int m_angle = 0;      // the turn in force
-  QTransform m_unturn;  // page to turned coordinates
+  int m_fillStyle = 1;          // the brush in force
+  int m_angle = 0;              // the turn in force
+  QTransform m_unturn;          // page to turned coordinates
+  std::vector<QLineF> m_lines;  // waiting to be drawn, in turned coordinates
 };
 
 // Pages as images at dotsPerInch, white paper; for the preview and for PNG files.
@@ -92,7 +97,7 @@ class PdfSurface : public PainterSurface {
   explicit PdfSurface(const QString& path, const QString& title = {});
   ~PdfSurface() override;
   void beginPage(int widthMm, int heightMm) override;
-  void endPage() override {}
+  void endPage() override { setPainter(nullptr); }
   // Closes the file; false when it could not be written.
   bool finish();
 

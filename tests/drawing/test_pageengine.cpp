@@ -4,6 +4,10 @@
 #include "drawing/recordingsurface.h"
 
 #include <QImage>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QStandardPaths>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -129,6 +133,39 @@ TEST(PainterSurface, TurnsAndWrapsText) {
   EXPECT_GT(wrapped.height(), 2 * single.height());
   const int middle = (drawing::textPixel(2, 96.0) + drawing::textPixel(5.5f, 96.0)) / 2;
   EXPECT_NEAR(wrapped.center().x(), middle, 3);
+}
+
+// A PDF goes on from page to page: a page that ends with turned labels does not turn the next.
+TEST(PdfSurface, EveryPageStartsUnturnedAtItsCorner) {
+  const QString pdftotext = QStandardPaths::findExecutable(QStringLiteral("pdftotext"));
+  if (pdftotext.isEmpty()) GTEST_SKIP() << "pdftotext (poppler-utils) is not installed";
+  QTemporaryDir dir;
+  const QString path = dir.filePath(QStringLiteral("pages.pdf"));
+  {
+    drawing::PdfSurface surface(path);
+    PageEngine engine(surface);
+    for (const char* word : {"first", "second"}) {
+      engine.pSetPage(100, 100);
+      engine.pSetLayer(engine.pCreateLayer(0, 0, 0, 1, 0, QStringLiteral("Arial"), 8));
+      engine.pDrawText(1, 1, QString::fromLatin1(word), 0);
+      engine.pDrawLine(1, 3, 2, 3);
+      engine.pDrawText(5, 10, QStringLiteral("152.250"), 90);
+    }
+    engine.pSetPage(100, 100);  // ends the second page
+    ASSERT_TRUE(surface.finish());
+  }
+  QProcess p;
+  p.start(pdftotext, {QStringLiteral("-bbox"), QStringLiteral("-f"), QStringLiteral("2"),
+                      QStringLiteral("-l"), QStringLiteral("2"), path, QStringLiteral("-")});
+  ASSERT_TRUE(p.waitForFinished(30000));
+  const QString html = QString::fromUtf8(p.readAllStandardOutput());
+  const QRegularExpressionMatch m =
+      QRegularExpression(QStringLiteral(R"re(xMin="([\d.]+)" yMin="([\d.]+)"[^>]*>second<)re"))
+          .match(html);
+  ASSERT_TRUE(m.hasMatch()) << html.toStdString();
+  // One unit from the corner: 6 mm, 17 points.
+  EXPECT_NEAR(m.captured(1).toDouble(), 17.0, 1.5);
+  EXPECT_NEAR(m.captured(2).toDouble(), 17.0, 1.5);
 }
 
 struct LayoutCase {
