@@ -283,23 +283,6 @@ int plotCrossSections(Context& context, const PlotRequest& request, engine::Engi
       empty || !reporter.errors().isEmpty());
 }
 
-// How many of chainages (in order, kilometres) pages first to last (0-based) of the
-// longitudinal sheet show. The sheet lays metresPerPage of chainage across each page from the
-// first chainage on; a chainage on the edge between two pages stands on both, and within a
-// millimetre of an edge counts as on it.
-int chainagesOnPages(const std::vector<float>& chainages, float metresPerPage, int first,
-                     int last) {
-  if (chainages.empty()) return 0;
-  const double tolerance = 1e-3;
-  const double start = double{chainages.front()} * 1000.0;
-  const double from = start + first * double{metresPerPage} - tolerance;
-  const double to = start + (last + 1) * double{metresPerPage} + tolerance;
-  return static_cast<int>(std::count_if(chainages.begin(), chainages.end(), [&](float c) {
-    const double metres = double{c} * 1000.0;
-    return metres >= from && metres <= to;
-  }));
-}
-
 int plotLongSection(Context& context, const PlotRequest& request, engine::EngineSession& session,
                     const ConsoleReporter& reporter, const drawing::SheetTitle& title) {
   engine::ResetDesignCache(session);
@@ -310,8 +293,6 @@ int plotLongSection(Context& context, const PlotRequest& request, engine::Engine
         engine::computeLongProfile(session, chainages.front(), chainages.back(), request.executed);
   drawing::LongSectionSheetOptions options = request.longOptions;
   options.title = title;
-  std::vector<float> drawn;
-  for (const engine::LongProfileRow& row : profile.rows) drawn.push_back(row.chainage);
   const drawing::LongSectionSheet sheet(std::move(profile), options);
   if (sheet.pageCount() == 0) {
     context.err << "Insufficient levels to plot L-Section. Atleast 2 sections are required.\n";
@@ -319,10 +300,8 @@ int plotLongSection(Context& context, const PlotRequest& request, engine::Engine
   }
   return writeSheet(
       context, request, sheet, kLongKind,
-      [&](int first, int last) {
-        return chainagesOnPages(drawn, options.metresPerPage, first, last);
-      },
-      title, !reporter.errors().isEmpty());
+      [&sheet](int first, int last) { return sheet.chainagesOn(first, last); }, title,
+      !reporter.errors().isEmpty());
 }
 
 // Exit codes: 0 written, 1 the data had problems (an empty sheet, too few chainages for the

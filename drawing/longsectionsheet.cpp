@@ -384,4 +384,16 @@ void LongSectionSheet::drawPage(PageEngine& engine, int page) const {
   }
 }
 
+int LongSectionSheet::chainagesOn(int first, int last) const {
+  int lowest = -1;
+  int highest = -2;
+  for (int page = std::max(first, 0); page <= last && page < pageCount(); ++page) {
+    const PagePlan& plan = m_pages[page];
+    if (plan.last < plan.first) continue;
+    if (lowest < 0) lowest = plan.first;
+    highest = plan.last;
+  }
+  return std::max(0, highest - lowest + 1);
+}
+
 }  // namespace drawing

@@ -38,6 +38,9 @@ class LongSectionSheet : public SheetProducer {
   // The datum of a page (0-based), in whole metres: the fixed datum when one is set, else the
   // whole part of the lowest level drawn on that page, minus 1. 0 for a page that does not exist.
   int datumOf(int page) const;
+  // How many chainages pages first to last (0-based, inclusive) show; one on the edge between
+  // two of them counts once.
+  int chainagesOn(int first, int last) const;
 
  private:
   // Where one page runs along the chainage and the levels it is drawn over.
