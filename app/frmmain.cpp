@@ -595,6 +595,7 @@ void frmMain::editAdd() {
       sheet->SaveBeforeAdd();
       for (int n = *count; n >= 1; --n) db::AddSectionRow(connection, name, m_state.lngSectionID);
       sheet->RefreshData();
+      if (m_state.engine && name != QLatin1String("Outlets")) m_state.engine->levelDataChanged();
     } else if (name == QLatin1String("Initial") || name == QLatin1String("Executed")) {
       const QString title = QStringLiteral("Add Initial Data");
       const std::optional<std::int16_t> count = settingsNumber(
@@ -607,6 +608,7 @@ void frmMain::editAdd() {
       for (int n = *count; n >= 1; --n)
         db::AddLevelRow(connection, name, m_state.lngSectionID, *chainage);
       sheet->RefreshData();
+      if (m_state.engine) m_state.engine->levelDataChanged();
     } else if (name == QLatin1String("Package")) {
       sheet->SaveBeforeAdd();
       const std::int32_t id = db::AddPackage(connection, QDate::currentDate().year());

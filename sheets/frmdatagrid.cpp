@@ -2,6 +2,7 @@
 
 #include "db/connection.h"
 #include "db/resultset.h"
+#include "engine/session.h"
 #include "sheets/gridcontrol.h"
 #include "sheets/sheetediting.h"
 
@@ -203,6 +204,13 @@ bool frmDataGrid::writeRows(int onlyRow) {
   }
   m_dirty = false;
   m_grid->Refresh();
+  // Saved levels, chainages or details change what the engine computes next.
+  static const QStringList kLevelSheets = {QStringLiteral("Initial"), QStringLiteral("Executed"),
+                                           QStringLiteral("DesignLevels"),
+                                           QStringLiteral("DesignDetails")};
+  if (engine::EngineSession* session = m_context.currentEngine();
+      session && kLevelSheets.contains(strCurrentDataSheet))
+    session->levelDataChanged();
   return true;
 }
 

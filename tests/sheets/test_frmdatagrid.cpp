@@ -1,5 +1,6 @@
 #include "tests/qtestmain.h"
 
+#include "engine/session.h"
 #include "sheets/frmdatagrid.h"
 #include "sheets/gridcontrol.h"
 #include "sheets/sheetediting.h"
@@ -31,6 +32,10 @@ class TestFrmDataGrid : public QObject {
   void saveWritesChangedRowsAndClearsDirty() {
     SheetsFixture fixture(false);
     fixture.writeInitialRows(4);
+    engine::RecordingReporter reporter;
+    engine::EngineSession session(fixture.connection(), reporter);
+    session.clearQuantityChainagesMark();
+    fixture.engine = &session;
     auto sheet = fixture.openSheet();
     sheet->grid().Text(1, kLevelCol, QStringLiteral("120.5"));
     sheet->grid().Text(3, kLevelCol, QString());
@@ -40,6 +45,8 @@ class TestFrmDataGrid : public QObject {
     QVERIFY(fixture.messages.isEmpty());
     QCOMPARE(fixture.initialAt(1), 120.5);
     QCOMPARE(fixture.initialAt(3, QStringLiteral("Level IS NULL")), 1.0);
+    // Saved levels are what the next computation must read.
+    QVERIFY(session.quantityChainagesOutOfDate());
     sheet->grid().Text(0, kLevelCol, QStringLiteral("8"));
     sheet->SaveBeforeAdd();  // not dirty: nothing to do
     QCOMPARE(fixture.initialAt(0), 100.0);
