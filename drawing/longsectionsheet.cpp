@@ -38,9 +38,12 @@ constexpr float kLabelGap = 0.27f;    // a value closer than this to the previou
                                       // is left out, as in the cross-section band
 constexpr float kLabelShift = 0.25f;  // an upright label's reference point left of its chainage,
                                       // which centres the text on it
-constexpr float kLabelLift = 0.03f;   // an upright label starts this far above its row's floor:
-                                      // a level of 100 to 999 m then just fits its row
-constexpr float kTickLength = 0.15f;  // level scale ticks at the legend box's right edge
+constexpr float kLabelLift = 0.12f;   // an upright label starts this far above its row's floor
+// Values are a point smaller than the captions: a level of 100 to 999 m at 7 points (1.5 units)
+// then stands clear of both lines of its 1.75-unit row.
+constexpr std::uint8_t kCaptionPoints = 8;
+constexpr std::uint8_t kValuePoints = 7;
+constexpr float kTickLength = 0.15f;       // level scale ticks at the legend box's right edge
 constexpr float kScaleLabelHeight = 0.6f;  // a scale label's box, and the least spacing of two
 constexpr float kDatumLabelX = 0.25f;      // "DATUM" and its value, over the datum line
 constexpr float kDatumValueX = 2.2f;
@@ -314,7 +317,8 @@ void LongSectionSheet::drawPage(PageEngine& engine, int page) const {
   std::array<std::int16_t, kRoles> layer{};
   for (int role = 0; role < kRoles; ++role) {
     layer[role] = engine.pCreateLayer(kLayers[role].line, kLayers[role].fill, 0, 1,
-                                      kLayers[role].style, QStringLiteral("Arial"), 8);
+                                      kLayers[role].style, QStringLiteral("Arial"),
+                                      role == kFrame ? kCaptionPoints : kValuePoints);
   }
 
   engine.pSetLayer(layer[kFrame]);
