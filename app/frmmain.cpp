@@ -48,6 +48,7 @@
 
 #include <cmath>
 #include <optional>
+#include <tuple>
 
 namespace app {
 
@@ -162,6 +163,20 @@ void frmMain::createMenus() {
               &frmMain::filePageSetup);
   addMenuItem(file, QStringLiteral("mnuFilePrint"), QStringLiteral("&Print..."),
               &frmMain::filePrint);
+  // A page window's sheet as a file: every page as PDF, the page shown as PNG or SVG.
+  for (const auto& [name, caption, extension] :
+       {std::tuple{"mnuFileSavePdf", "Save as P&DF...", "pdf"},
+        std::tuple{"mnuFileSavePng", "Save as PN&G...", "png"},
+        std::tuple{"mnuFileSaveSvg", "Save as S&VG...", "svg"}}) {
+    QAction* save =
+        addMenuItem(file, QString::fromLatin1(name), QString::fromLatin1(caption), nullptr);
+    const QString kind = QString::fromLatin1(extension);
+    connect(save, &QAction::triggered, this, [this, kind] {
+      if (QMdiSubWindow* child = activeChild())
+        if (auto* form = qobject_cast<PrintForm*>(child->widget())) form->askAndSave(kind);
+    });
+    m_sheetSaveItems.append(save);
+  }
   file->addSeparator();
   QAction* exit =
       addMenuItem(file, QStringLiteral("mnuFileExit"), QStringLiteral("E&xit"), nullptr);
@@ -273,6 +288,11 @@ void frmMain::createMenus() {
   m_windowListSeparator = m_mnuWindow->addSeparator();
   connect(m_mnuWindow, &QMenu::aboutToShow, this, &frmMain::updateWindowMenu);
   connect(m_mdiArea, &QMdiArea::subWindowActivated, this, &frmMain::updateWindowMenu);
+  connect(m_mdiArea, &QMdiArea::subWindowActivated, this, [this](QMdiSubWindow* child) {
+    const bool sheet = child && qobject_cast<PrintForm*>(child->widget());
+    for (QAction* item : m_sheetSaveItems) item->setEnabled(sheet);
+  });
+  for (QAction* item : m_sheetSaveItems) item->setEnabled(false);
 
   QMenu* help = addMenu(QStringLiteral("mnuHelp"), QStringLiteral("&Help"));
   addMenuItem(help, QStringLiteral("mnuHelpContents"), QStringLiteral("&Contents"),

@@ -174,6 +174,7 @@ class frmMain : public QMainWindow, public sheets::MainWindowLink {
   QPointer<HelpWindow> m_helpWindow;
   QString m_manualFolder;
   std::unique_ptr<QPrinter> m_printer;
+  QList<QAction*> m_sheetSaveItems;  // File > Save as PDF/PNG/SVG, for a page window
 };
 
 }  // namespace app

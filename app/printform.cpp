@@ -16,6 +16,7 @@
 #include <QFileInfo>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QMap>
 #include <QPageLayout>
 #include <QPainter>
 #include <QPrintDialog>
@@ -242,16 +243,14 @@ void PrintForm::createToolRow() {
   m_scaleAction->setVisible(false);
   row->addSeparator();
 
-  const auto addSave = [this, row](const char* name, const QString& extension,
-                                   const QString& filter) {
+  const auto addSave = [this, row](const char* name, const QString& extension) {
     QAction* save = row->addAction(QStringLiteral("Save as %1...").arg(extension.toUpper()));
     save->setObjectName(QLatin1String(name));
-    connect(save, &QAction::triggered, this,
-            [this, extension, filter] { saveWithDialog(extension, filter); });
+    connect(save, &QAction::triggered, this, [this, extension] { askAndSave(extension); });
   };
-  addSave("actSavePdf", QStringLiteral("pdf"), QStringLiteral("PDF document (*.pdf)"));
-  addSave("actSavePng", QStringLiteral("png"), QStringLiteral("PNG image (*.png)"));
-  addSave("actSaveSvg", QStringLiteral("svg"), QStringLiteral("SVG drawing (*.svg)"));
+  addSave("actSavePdf", QStringLiteral("pdf"));
+  addSave("actSavePng", QStringLiteral("png"));
+  addSave("actSaveSvg", QStringLiteral("svg"));
   for (QWidget* button : row->findChildren<QToolButton*>()) button->setFocusPolicy(Qt::NoFocus);
 }
 
@@ -547,7 +546,12 @@ bool PrintForm::printSheet(QPrinter& printer, PaperFit fit) {
 
 // ---- Saving
 
-void PrintForm::saveWithDialog(const QString& extension, const QString& filter) {
+void PrintForm::askAndSave(const QString& extension) {
+  static const QMap<QString, QString> kFilters = {
+      {QStringLiteral("pdf"), QStringLiteral("PDF document (*.pdf)")},
+      {QStringLiteral("png"), QStringLiteral("PNG image (*.png)")},
+      {QStringLiteral("svg"), QStringLiteral("SVG drawing (*.svg)")}};
+  const QString filter = kFilters.value(extension);
   const QString folder = m_saveFolder.isEmpty() ? QDir::homePath() : m_saveFolder;
   const QString name = m_sheet.fileName.isEmpty() ? QStringLiteral("sheet") : m_sheet.fileName;
   const QString suggested = QDir(folder).filePath(name + QLatin1Char('.') + extension);

@@ -104,6 +104,8 @@ class PrintForm : public QWidget, public sheets::WheelAware {
   // Writes the sheet to path: every page for PDF, the current page for PNG and SVG. False when
   // it could not be written (the user has been told why).
   bool saveAs(const QString& path);
+  // Asks where to save the sheet as extension ("pdf", "png" or "svg"), then saves it there.
+  void askAndSave(const QString& extension);
 
   // sheets::WheelAware: scrolls the page one large change.
   void MouseWheel(int keys, int rotation, int x, int y) override;
@@ -133,7 +135,6 @@ class PrintForm : public QWidget, public sheets::WheelAware {
   void updateDpi();
   void updatePageCounter();
   void scrollTo(QScrollBar* bar, int value);
-  void saveWithDialog(const QString& extension, const QString& filter);
   void message(const QString& text, sheets::MessageIcon icon);
   QSize pageMm() const;
 

@@ -5,6 +5,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QImage>
 #include <QFile>
 #include <QLabel>
 #include <QPrinter>
@@ -297,10 +298,14 @@ void TestPrintForm::plotXSectionOpensTheSheetThatPrintsAndSavesAgain() {
   desk.saveAs = desk.folder.filePath(QStringLiteral("sheet"));
   form->findChild<QAction*>(QStringLiteral("actSavePdf"))->trigger();
   QCOMPARE(pdfPages(desk.saveAs + QStringLiteral(".pdf")), form->pageCount());
+  // File > Save as PNG saves the page shown.
+  desk.trigger("mnuFileSavePng");
+  QCOMPARE(QImage(desk.saveAs + QStringLiteral(".png")).isNull(), false);
 
-  // Another window takes the wheel.
+  // Another window takes the wheel, and File's sheet items have nothing to save.
   desk.showChildren({"another window"});
   QVERIFY(desk.mouseWheel.servedWindow() != form);
+  QVERIFY(!desk.action("mnuFileSavePdf")->isEnabled());
 
   // The executed-level switch draws the executed ground as well.
   const std::size_t plain = layersDrawnOnFirstPage(*form);
