@@ -2,6 +2,8 @@
 
 #include "db/numbers.h"
 
+#include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QLocale>
 
@@ -131,18 +133,35 @@ int Statement::storageClass(int column) const { return sqlite3_column_type(m_stm
 float Statement::measure(int column) const { return optionalMeasure(column).value_or(0.0f); }
 
 std::optional<float> Statement::optionalMeasure(int column) const {
+  const std::optional<double> v = number(column);
+  if (!v) return std::nullopt;
+  const float measure = doubleToMeasure(*v);
+  if (!std::isfinite(measure)) return std::nullopt;
+  return measure;
+}
+
+std::optional<double> Statement::number(int column) const {
+  double v = 0.0;
   switch (sqlite3_column_type(m_stmt, column)) {
-    case SQLITE_NULL:
-      return std::nullopt;
     case SQLITE_INTEGER:
     case SQLITE_FLOAT:
-      return doubleToMeasure(sqlite3_column_double(m_stmt, column));
-    default: {
+      v = sqlite3_column_double(m_stmt, column);
+      break;
+    case SQLITE_TEXT: {
       bool ok = false;
-      double v = text(column).trimmed().toDouble(&ok);
-      return ok ? std::optional<float>(doubleToMeasure(v)) : std::nullopt;
+      v = text(column).trimmed().toDouble(&ok);
+      if (!ok) return std::nullopt;
+      break;
     }
+    default:  // null, blob
+      return std::nullopt;
   }
+  if (!std::isfinite(v)) return std::nullopt;
+  return v;
+}
+
+bool Statement::isBlob(int column) const {
+  return sqlite3_column_type(m_stmt, column) == SQLITE_BLOB;
 }
 
 double Statement::real(int column) const { return sqlite3_column_double(m_stmt, column); }
@@ -165,6 +184,8 @@ QString Statement::text(int column) const {
     case SQLITE_FLOAT: {
       // A double in its shortest round-trip form.
       const double v = sqlite3_column_double(m_stmt, column);
+      // As SQLite itself writes an infinity when it turns one into text.
+      if (std::isinf(v)) return v > 0 ? QStringLiteral("Inf") : QStringLiteral("-Inf");
       if (std::isfinite(v) && v == std::floor(v) && std::fabs(v) < 1e15)
         return QString::number(static_cast<qint64>(v));
       return QString::number(v, 'g', QLocale::FloatingPointShortest);
@@ -182,29 +203,55 @@ Connection::Connection(sqlite3* db, QString path) : m_db(db), m_path(std::move(p
 
 Connection::~Connection() { sqlite3_close_v2(m_db); }
 
-std::unique_ptr<Connection> Connection::open(const QString& path, Mode mode) {
-  if (mode == Mode::OpenExisting && !QFileInfo(path).isFile())
-    throw Error(QStringLiteral("The project file \"%1\" does not exist.").arg(path));
-  if (mode == Mode::Create && QFileInfo::exists(path))
-    throw Error(QStringLiteral("The file \"%1\" already exists.").arg(path));
+namespace {
 
-  sqlite3* raw = nullptr;
-  const int flags = SQLITE_OPEN_READWRITE | (mode == Mode::Create ? SQLITE_OPEN_CREATE : 0);
-  int rc = sqlite3_open_v2(path.toUtf8().constData(), &raw, flags, nullptr);
-  std::unique_ptr<Connection> connection(new Connection(raw, path));
-  if (rc != SQLITE_OK)
-    throw Error(QStringLiteral("The project file \"%1\" cannot be opened: %2.")
-                    .arg(path, QString::fromUtf8(raw ? sqlite3_errmsg(raw) : sqlite3_errstr(rc))));
-  sqlite3_busy_timeout(raw, kBusyTimeoutMs);
-  sqlite3_extended_result_codes(raw, 1);
-
-  // sqlite3_open_v2 is lazy: reading the schema is what tells a database from any other file,
-  // and taking a shared lock is what tells that another program holds it.
+// Opens path and reads its schema. sqlite3_open_v2 is lazy: reading the schema is what tells a
+// database from any other file, and taking a shared lock is what tells that another program
+// holds it. Returns SQLite's code of the first failure, SQLITE_OK when the file can be read.
+int openAndProbe(const QByteArray& fileName, int flags, sqlite3*& db) {
+  int rc = sqlite3_open_v2(fileName.constData(), &db, flags, nullptr);
+  if (rc != SQLITE_OK) return rc;
+  sqlite3_busy_timeout(db, kBusyTimeoutMs);
+  sqlite3_extended_result_codes(db, 1);
   sqlite3_stmt* probe = nullptr;
-  rc = sqlite3_prepare_v2(raw, "SELECT count(*) FROM sqlite_master", -1, &probe, nullptr);
+  rc = sqlite3_prepare_v2(db, "SELECT count(*) FROM sqlite_master", -1, &probe, nullptr);
   if (rc == SQLITE_OK) rc = sqlite3_step(probe);
   sqlite3_finalize(probe);
-  if (rc != SQLITE_ROW) {
+  return rc == SQLITE_ROW ? SQLITE_OK : rc;
+}
+
+}  // namespace
+
+std::unique_ptr<Connection> Connection::open(const QString& path, Mode mode) {
+  if (path.isEmpty()) throw Error(QStringLiteral("No project file was named."));
+  const QFileInfo info(fileSystemPath(path));
+  if (info.isDir())
+    throw Error(QStringLiteral("The project file \"%1\" is a folder, not a file.").arg(path));
+  if (mode != Mode::Create && !info.isFile())
+    throw Error(QStringLiteral("The project file \"%1\" does not exist.").arg(path));
+  if (mode == Mode::Create && (info.exists() || info.isSymLink()))
+    throw Error(QStringLiteral("The file \"%1\" already exists.").arg(path));
+
+  const QByteArray fileName = QFile::encodeName(info.filePath());
+  int flags = SQLITE_OPEN_READWRITE;
+  if (mode == Mode::Create) flags |= SQLITE_OPEN_CREATE;
+  if (mode == Mode::ReadOnly) flags = SQLITE_OPEN_READONLY;
+  sqlite3* raw = nullptr;
+  int rc = openAndProbe(fileName, flags, raw);
+  if (rc == SQLITE_READONLY_ROLLBACK) {
+    // A writer was stopped half-way: its journal must be played back before anyone reads the
+    // file, and only a connection that may write can do that.
+    sqlite3_close_v2(raw);
+    raw = nullptr;
+    rc = openAndProbe(fileName, SQLITE_OPEN_READWRITE, raw);
+    if (rc == SQLITE_OK) {
+      sqlite3_close_v2(raw);
+      raw = nullptr;
+      rc = openAndProbe(fileName, flags, raw);
+    }
+  }
+  std::unique_ptr<Connection> connection(new Connection(raw, path));
+  if (rc != SQLITE_OK) {
     const int primary = rc & 0xff;
     QString reason;
     if (primary == SQLITE_NOTADB)
@@ -212,11 +259,13 @@ std::unique_ptr<Connection> Connection::open(const QString& path, Mode mode) {
     else if (primary == SQLITE_BUSY || primary == SQLITE_LOCKED)
       reason = QStringLiteral("it is locked by another program");
     else
-      reason = QString::fromUtf8(sqlite3_errmsg(raw));
+      reason = QString::fromUtf8(raw ? sqlite3_errmsg(raw) : sqlite3_errstr(rc));
     throw Error(QStringLiteral("The project file \"%1\" cannot be opened: %2.").arg(path, reason));
   }
   return connection;
 }
+
+bool Connection::isReadOnly() const { return sqlite3_db_readonly(m_db, "main") == 1; }
 
 QString Connection::lastErrorText() const { return QString::fromUtf8(sqlite3_errmsg(m_db)); }
 
@@ -301,6 +350,11 @@ void Savepoint::rollback() {
   m_open = false;
   m_connection.exec(QStringLiteral("ROLLBACK TO ") + quoteName(m_name));
   m_connection.exec(QStringLiteral("RELEASE ") + quoteName(m_name));
+}
+
+QString fileSystemPath(const QString& path) {
+  if (path.startsWith(QLatin1Char('/'))) return path;
+  return QDir::currentPath() + QLatin1Char('/') + path;
 }
 
 QString quoteName(const QString& name) {

@@ -60,9 +60,15 @@ class Statement {
   int columnCount() const;
   QString columnName(int column) const;
   bool isNull(int column) const;
-  // A stored number narrowed to single; 0 when null. Text that reads as a number counts.
+  // A stored number narrowed to single; 0 when null. Text that reads as a number counts ("152.4"
+  // in a TEXT column); anything that is not a finite single (other text, a blob, NaN, ±∞, a value
+  // beyond the single range) reads as null, so no such value reaches a computation.
   float measure(int column) const;
   std::optional<float> optionalMeasure(int column) const;
+  // The stored value as a finite double: a number, or text that reads as one; nullopt for null,
+  // other text, a blob, NaN and ±∞.
+  std::optional<double> number(int column) const;
+  bool isBlob(int column) const;
   double real(int column) const;
   std::int32_t key(int column) const;
   std::int64_t int64(int column) const;
@@ -87,10 +93,12 @@ class Statement {
 // The one open project file. Every statement of the program runs on it.
 class Connection {
  public:
-  enum class Mode { OpenExisting, Create };
+  // ReadOnly opens an existing file for reading only: no statement can change it.
+  enum class Mode { OpenExisting, Create, ReadOnly };
 
-  // Opens (or with Create, creates) the file. Throws Error naming the file and the reason:
-  // missing file, not an SQLite database, locked by another program.
+  // Opens (or with Create, creates) the file. The path is always a plain file name, never an
+  // SQLite URI or ":memory:". Throws Error naming the file and the reason: no name, missing
+  // file, a folder, not an SQLite database, locked by another program.
   static std::unique_ptr<Connection> open(const QString& path, Mode mode = Mode::OpenExisting);
   ~Connection();
   Connection(const Connection&) = delete;
@@ -108,6 +116,8 @@ class Connection {
   std::int64_t lastInsertRowId() const;
 
   const QString& path() const { return m_path; }
+  // Whether statements that write are refused: opened ReadOnly, or a file the user may not write.
+  bool isReadOnly() const;
   sqlite3* handle() const { return m_db; }
   QString lastErrorText() const;
 
@@ -147,6 +157,11 @@ class Savepoint {
   QString m_name;
   bool m_open = true;
 };
+
+// The absolute path of a file name as the file system reads it: a name starting with ':' is a
+// file in the current folder, not a Qt resource, and the result is never an SQLite ":memory:"
+// name or "file:" URI.
+QString fileSystemPath(const QString& path);
 
 // "[name]" with any ']' doubled: a table or column name that is safe inside a statement.
 QString quoteName(const QString& name);

@@ -3,11 +3,16 @@
 #include "db/connection.h"
 #include "db/schema.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
+#include <QRandomGenerator>
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <filesystem>
+#include <system_error>
 #include <vector>
 
 namespace db {
@@ -261,18 +266,22 @@ void writeDemo(Connection& c) {
 
 }  // namespace
 
-std::unique_ptr<Connection> openProject(const QString& path) {
-  auto connection = Connection::open(path);
+std::unique_ptr<Connection> openProject(const QString& path, ProjectAccess access) {
+  auto connection =
+      Connection::open(path, access == ProjectAccess::Read ? Connection::Mode::ReadOnly
+                                                           : Connection::Mode::OpenExisting);
   for (const QString& table : requiredTables()) {
     if (!connection->tableExists(table))
       throw Error(QStringLiteral("The file \"%1\" is not a Delvane project file: the table %2 is "
                                  "missing.")
                       .arg(path, table));
   }
-  try {
-    ensureIndexes(*connection);
-  } catch (const Error&) {
-    // A read-only file still opens; its queries are merely slower.
+  if (access == ProjectAccess::Edit && !connection->isReadOnly()) {
+    try {
+      ensureIndexes(*connection);
+    } catch (const Error&) {
+      // A file another program holds still opens; its queries are merely slower.
+    }
   }
   return connection;
 }
@@ -280,19 +289,57 @@ std::unique_ptr<Connection> openProject(const QString& path) {
 QString demoProjectFileName() { return QStringLiteral("Demo.delvane"); }
 
 void createProject(const QString& path, bool demo) {
-  auto connection = Connection::open(path, Connection::Mode::Create);
+  if (path.isEmpty()) throw Error(QStringLiteral("No project file was named."));
+  const QFileInfo target(fileSystemPath(path));
+  if (target.isDir())
+    throw Error(QStringLiteral("The file \"%1\" already exists: it is a folder.").arg(path));
+  if (target.exists() || target.isSymLink())
+    throw Error(QStringLiteral("The file \"%1\" already exists.").arg(path));
+  if (!target.absoluteDir().exists())
+    throw Error(QStringLiteral("The project file \"%1\" could not be written: its folder does "
+                               "not exist.")
+                    .arg(path));
+
+  // A hidden name beside the target, so that the rename below stays on one file system.
+  const QString scratch = target.absoluteDir().filePath(
+      QStringLiteral(".%1.%2.new")
+          .arg(target.fileName(), QString::number(QRandomGenerator::global()->generate64(), 36)));
+  const auto removeScratch = [&scratch] {
+    QFile::remove(scratch);
+    QFile::remove(scratch + QStringLiteral("-journal"));
+  };
   try {
+    auto connection = Connection::open(scratch, Connection::Mode::Create);
     createSchema(*connection);
     Transaction data(*connection);
     writeTemplate(*connection);
     if (demo) writeDemo(*connection);
     data.commit();
   } catch (const Error& e) {
-    connection.reset();
-    QFile::remove(path);
+    removeScratch();
     throw Error(
         QStringLiteral("The project file \"%1\" could not be written: %2").arg(path, e.message()));
   }
+  // QFile::rename never replaces an existing file, so a file made meanwhile under the name
+  // is kept.
+  if (!QFile::rename(scratch, target.absoluteFilePath())) {
+    removeScratch();
+    throw Error(QStringLiteral("The project file \"%1\" could not be written: %2")
+                    .arg(path, QFileInfo::exists(target.filePath())
+                                   ? QStringLiteral("the file already exists.")
+                                   : QStringLiteral("it cannot be renamed.")));
+  }
+}
+
+bool isSameFile(const QString& a, const QString& b) {
+  if (a.isEmpty() || b.isEmpty()) return false;
+  const QFileInfo first(fileSystemPath(a));
+  const QFileInfo second(fileSystemPath(b));
+  if (!first.exists() || !second.exists()) return false;
+  if (first.canonicalFilePath() == second.canonicalFilePath()) return true;
+  std::error_code error;
+  return std::filesystem::equivalent(QFile::encodeName(first.filePath()).toStdString(),
+                                     QFile::encodeName(second.filePath()).toStdString(), error);
 }
 
 }  // namespace db

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
+
 using testsupport::TempProject;
 
 namespace {
@@ -82,6 +84,33 @@ TEST(Statement, ReadsAreNullAwareWhateverTheDeclaredType) {
   EXPECT_EQ(st.measure(2), 0.0f);
   EXPECT_EQ(st.text(3), QStringLiteral("2026"));
   EXPECT_TRUE(st.text(2).isEmpty());
+}
+
+// What a foreign tool may leave in a measure column: a number held as text reads as that
+// number; other text, a blob, NaN and values beyond the single range read as null.
+TEST(Statement, AMeasureIsAFiniteSingleOrNull) {
+  TempProject project;
+  db::Connection& c = project.create();
+  c.exec(QStringLiteral("CREATE TABLE Loose (v TEXT, w REAL)"));
+  const struct {
+    const char* sql;  // the stored value, as an SQL expression
+    std::optional<float> read;
+  } cases[] = {
+      {"'152.4'", 152.4f},     {"' -3.5 '", -3.5f},      {"'NaN'", std::nullopt},
+      {"'inf'", std::nullopt}, {"'-inf'", std::nullopt}, {"'abc'", std::nullopt},
+      {"''", std::nullopt},    {"'1,5'", std::nullopt},  {"x'3135322e34'", std::nullopt},
+      {"1e39", std::nullopt},  {"9e999", std::nullopt},  {"-9e999", std::nullopt},
+  };
+  for (const auto& k : cases) {
+    c.exec(QStringLiteral("DELETE FROM Loose"));
+    c.exec(QStringLiteral("INSERT INTO Loose VALUES (%1, %1)").arg(QLatin1String(k.sql)));
+    db::Statement st = c.prepare(QStringLiteral("SELECT v, w FROM Loose"));
+    ASSERT_TRUE(st.step());
+    for (int column = 0; column < 2; ++column) {
+      EXPECT_EQ(st.optionalMeasure(column), k.read) << k.sql << " column " << column;
+      EXPECT_EQ(st.measure(column), k.read.value_or(0.0f)) << k.sql << " column " << column;
+    }
+  }
 }
 
 TEST(Connection, ErrorsNameTheWorkAndSqliteReason) {

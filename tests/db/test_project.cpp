@@ -2,11 +2,17 @@
 #include "db/schema.h"
 #include "tests/testsupport.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 #include <gtest/gtest.h>
 
 #include <vector>
+
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 using testsupport::rowCount;
 using testsupport::TempProject;
@@ -35,13 +41,17 @@ TEST(OpenProject, ForeignAndMissingFilesAreRefusedNamingFileAndReason) {
   db::Connection::open(other, db::Connection::Mode::Create)
       ->exec(QStringLiteral("CREATE TABLE Package (ID INTEGER)"));
   const QString absent = project.path(QStringLiteral("absent.delvane"));
+  const QString folder = project.path(QStringLiteral("folder.delvane"));
+  ASSERT_TRUE(QDir().mkdir(folder));
   const struct {
     QString path;
     QStringList mentioned;
   } cases[] = {
       {notes, {notes, QStringLiteral("not an SQLite database")}},
       {other, {QStringLiteral("is not a Delvane project file"), QStringLiteral("Sections")}},
-      {absent, {}}};
+      {absent, {QStringLiteral("does not exist")}},
+      {folder, {folder, QStringLiteral("is a folder")}},
+      {QString(), {QStringLiteral("No project file was named")}}};
   for (const auto& k : cases) {
     try {
       db::openProject(k.path);
@@ -51,6 +61,26 @@ TEST(OpenProject, ForeignAndMissingFilesAreRefusedNamingFileAndReason) {
     }
   }
   EXPECT_FALSE(QFile::exists(absent));
+}
+
+QByteArray contents(const QString& path) {
+  QFile file(path);
+  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// A foreign file without the chainage indexes, opened only to read: nothing is added, nothing
+// can be written, and the file stays byte for byte as it was.
+TEST(OpenProject, ReadingLeavesTheFileAsItWas) {
+  TempProject project;
+  project.create(true).exec(QStringLiteral("DROP INDEX idx_Initial_SectionChainage"));
+  const QByteArray before = contents(project.path());
+  auto reader = db::openProject(project.path(), db::ProjectAccess::Read);
+  EXPECT_TRUE(reader->isReadOnly());
+  EXPECT_EQ(firstRow(*reader, "SELECT COUNT(*) FROM sqlite_master WHERE type='index'"),
+            std::vector<double>{4});
+  EXPECT_THROW(reader->exec(QStringLiteral("DELETE FROM Initial")), db::Error);
+  reader.reset();
+  EXPECT_EQ(contents(project.path()), before);
 }
 
 TEST(OpenProject, AddsTheChainageIndexesToAForeignFile) {
@@ -75,6 +105,50 @@ TEST(CreateProject, TemplateHasDesignOneAndIsNeverOverwritten) {
                      "LRB='B'), (SELECT COUNT(*) FROM DesignList WHERE ID=1), (SELECT COUNT(*) "
                      "FROM Package)"),
             (std::vector<double>{7, 7, 2, 1, 0}));
+}
+
+// Names SQLite would read as a URI or an in-memory database are files in the current folder.
+TEST(CreateProject, NamesAreFileNamesNeverSqliteUris) {
+  TempProject project;
+  const QString previous = QDir::currentPath();
+  ASSERT_TRUE(QDir::setCurrent(project.dir().path()));
+  for (const char* name : {":memory:", "file:x?mode=memory", "file:p.delvane", "file::memory:"}) {
+    SCOPED_TRACE(name);
+    const QString file = QString::fromLatin1(name);
+    EXPECT_NO_THROW(db::createProject(file, false));
+    EXPECT_TRUE(QFileInfo(project.dir().path() + QLatin1Char('/') + file).isFile());
+    EXPECT_EQ(
+        rowCount(*db::openProject(file, db::ProjectAccess::Read), QStringLiteral("DesignExp")), 7);
+  }
+  EXPECT_THROW(db::createProject(QString(), false), db::Error);
+  QDir::setCurrent(previous);
+  EXPECT_EQ(QDir(project.dir().path()).entryList(QDir::Files).size(), 4);
+}
+
+// A creation stopped at any moment (here killed as soon as the name appears) leaves under the
+// name either nothing or a whole project, never a file that cannot be opened.
+TEST(CreateProject, TheNameOnlyEverHoldsAWholeProject) {
+  TempProject project;
+  const QString path = project.path(QStringLiteral("new.delvane"));
+  const pid_t child = fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    try {
+      db::createProject(path, true);
+    } catch (...) {
+      _exit(1);
+    }
+    _exit(0);
+  }
+  int status = 0;
+  while (!QFileInfo::exists(path) && waitpid(child, &status, WNOHANG) == 0) {
+  }
+  kill(child, SIGKILL);
+  waitpid(child, &status, 0);
+  ASSERT_TRUE(QFileInfo::exists(path));
+  EXPECT_EQ(rowCount(*db::openProject(path), QStringLiteral("Sections")), 2);
+  // Whatever a killed creation left behind does not stand in the way of the next.
+  EXPECT_NO_THROW(db::createProject(project.path(QStringLiteral("next.delvane")), false));
 }
 
 TEST(CreateProject, DemoIsRealisticAndTheSameEveryTime) {
