@@ -163,20 +163,22 @@ void mergeSide(AreaSide& side) {
   addRow({0.0f, pointAt(side.Ground, 0).Level, pointAt(side.Design, 0).Level,
           pointAt(side.Executed, 0).Level});
   for (;;) {
-    bool any = false;
+    int nearest = -1;
     float x = 0.0f;
     for (int p = 0; p < 3; ++p) {
       const ProfilePoint pt = pointAt(*profiles[p], next[p]);
-      if (pt.Level > 0.0f && (!any || pt.Offset < x)) {
+      if (pt.Level > 0.0f && (nearest < 0 || pt.Offset < x)) {
         x = pt.Offset;
-        any = true;
+        nearest = p;
       }
     }
-    if (!any) break;
+    if (nearest < 0) break;
     float levels[3] = {0.0f, 0.0f, 0.0f};
     for (int p = 0; p < 3; ++p) {
       const ProfilePoint pt = pointAt(*profiles[p], next[p]);
-      if (pt.Level > 0.0f && pt.Offset == x) {
+      // The nearest profile always moves on, so the merge ends even at an offset that equals
+      // nothing (NaN).
+      if (p == nearest || (pt.Level > 0.0f && pt.Offset == x)) {
         levels[p] = pt.Level;
         ++next[p];
       } else {

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <optional>
+#include <string>
 
 namespace {
 
@@ -46,6 +47,57 @@ TEST_F(ValidationTest, GroundPointsAtTheLimitsPassAndBeyondThemAreReported) {
         k.line ? QStringList{QString::fromLatin1(k.line) + kInitialTail} : QStringList{};
     EXPECT_EQ(reporter.errors, expected);
   }
+}
+
+// Whatever a foreign tool left in Offset or Level that is not a finite number is reported, and
+// a number held as text is judged by its value, in a column of any declared type.
+TEST_F(ValidationTest, ValuesThatAreNotFiniteNumbersAreReported) {
+  const struct {
+    const char* offset;  // SQL expressions
+    const char* level;
+    const char* line;  // nullptr when acceptable
+  } cases[] = {
+      {"'NaN'", "150", "Chainage [0.5], Offset [NaN], Level [150]"},
+      {"10", "'NaN'", "Chainage [0.5], Offset [10], Level [NaN]"},
+      {"'inf'", "150", "Chainage [0.5], Offset [inf], Level [150]"},
+      {"10", "9e999", "Chainage [0.5], Offset [10], Level [Inf]"},
+      {"-9e999", "150", "Chainage [0.5], Offset [-Inf], Level [150]"},
+      {"'abc'", "150", "Chainage [0.5], Offset [abc], Level [150]"},
+      {"''", "150", "Chainage [0.5], Offset [], Level [150]"},
+      {"10", "'1,5'", "Chainage [0.5], Offset [10], Level [1,5]"},
+      {"x'00ff'", "150", "Chainage [0.5], Offset [blob], Level [150]"},
+      {"'-100'", "'152.4'", nullptr},
+      {"' 7 '", "'200'", nullptr},
+      {"'100.5'", "150", "Chainage [0.5], Offset [100.5], Level [150]"},
+  };
+  for (const char* type : {"REAL", "TEXT"}) {
+    exec("DROP TABLE Initial");
+    c.exec(QStringLiteral("CREATE TABLE Initial (Chainage %1, Offset %1, [Level] %1, SectionID "
+                          "INTEGER, ID INTEGER PRIMARY KEY AUTOINCREMENT)")
+               .arg(QLatin1String(type)));
+    for (const auto& k : cases) {
+      SCOPED_TRACE(std::string(type) + " " + k.offset + " " + k.level);
+      exec("DELETE FROM Initial");
+      reporter.errors.clear();
+      c.exec(QStringLiteral("INSERT INTO Initial (SectionID, Chainage, Offset, [Level]) VALUES "
+                            "(1, 0.5, %1, %2)")
+                 .arg(QLatin1String(k.offset), QLatin1String(k.level)));
+      EXPECT_EQ(engine::ValidateLevels(session, -1), k.line != nullptr);
+      const QStringList expected =
+          k.line ? QStringList{QString::fromLatin1(k.line) + kInitialTail} : QStringList{};
+      EXPECT_EQ(reporter.errors.join(QLatin1Char('\n')).toStdString(),
+                expected.join(QLatin1Char('\n')).toStdString());
+    }
+  }
+  exec("DELETE FROM Initial");
+  reporter.errors.clear();
+  exec(
+      "INSERT INTO DesignLevels (SectionID, Chainage, [Level]) VALUES (1, 0.1, 'NaN'), "
+      "(1, 0.2, '150'), (1, 0.3, x'01')");
+  EXPECT_TRUE(engine::ValidateLevels(session, -1));
+  EXPECT_EQ(reporter.errors,
+            (QStringList{QStringLiteral("Chainage [0.1], Level [NaN]") + kDesignTail,
+                         QStringLiteral("Chainage [0.3], Level [blob]") + kDesignTail}));
 }
 
 // Initial lines come first in chainage order, then design levels out of 50 to 200.
