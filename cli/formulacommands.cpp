@@ -54,7 +54,19 @@ int evaluate(Context& context) {
   const std::optional<QString> formula = formulaArgument(context, code);
   if (!formula) return code;
   context.out << db::floatText(variables.EvaluateFormula(*formula)) << '\n';
-  return kOk;
+  switch (variables.refusal()) {
+    case engine::FormulaRefusal::None:
+      return kOk;
+    case engine::FormulaRefusal::FormulaTooLong:
+      context.err << "The formula is " << formula->size() << " characters long, more than the "
+                  << engine::kMaxFormulaLength << " a formula may have; it counts as 0.\n";
+      break;
+    case engine::FormulaRefusal::WorkingTextTooLong:
+      context.err << "The formula grows beyond " << engine::kMaxWorkingTextLength
+                  << " characters while it is worked out; it counts as 0.\n";
+      break;
+  }
+  return kDataProblems;
 }
 
 int substitute(Context& context) {

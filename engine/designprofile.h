@@ -17,6 +17,7 @@ struct DesignProfileRow {
   QString LCR;     // "L", "R" or "C"
   QString Offset;  // formula text
   QString Value;   // formula text
+  QString Serial;  // the row's Serial as stored, to name the row in messages
 };
 
 // Reads design 1's profile in Serial order into profile, replacing what it held. Returns true

@@ -19,13 +19,36 @@ int columnIndex(const db::Statement& statement, QLatin1String name) {
   return -1;
 }
 
+// Evaluates a stored formula. When the evaluator refuses it for its length (it then counts as
+// 0), the error list names the formula's row and why, once per run. row: "the Offset formula of
+// DesignExp row Serial 3".
+float evaluateStored(EngineSession& session, float chainage, const QString& formula,
+                     const QString& row) {
+  modVariables& variables = session.variables();
+  const float value = variables.EvaluateFormula(formula);
+  const FormulaRefusal refusal = variables.refusal();
+  if (refusal == FormulaRefusal::None || !session.design().RefusedFormulas.insert(row).second)
+    return value;
+  const QString why =
+      refusal == FormulaRefusal::FormulaTooLong
+          ? QStringLiteral(" is %1 characters long, more than the %2 a formula may have")
+                .arg(formula.size())
+                .arg(kMaxFormulaLength)
+          : QStringLiteral(" grows beyond %1 characters while it is worked out")
+                .arg(kMaxWorkingTextLength);
+  QString text = row + why + QStringLiteral("; it counts as 0.");
+  text[0] = text[0].toUpper();
+  session.reporter().ShowError(chainageLine(chainage, text));
+  return value;
+}
+
 // The first column of the one row of an aggregate, or nothing when it is null.
 std::optional<float> aggregate(db::Statement& statement) {
   if (!statement.step()) return std::nullopt;
   return statement.optionalMeasure(0);
 }
 
-void loadQtyDefine(EngineSession& session) {
+void loadQtyDefine(EngineSession& session, float chainage) {
   DesignState& d = session.design();
   StatementUse st(cachedStatement(d.qtyDefineRows, session.connection(),
                                   QStringLiteral("SELECT * FROM QtyDefine WHERE DesignID=1"),
@@ -39,14 +62,16 @@ void loadQtyDefine(EngineSession& session) {
     throw db::Error(
         QStringLiteral("Reading the quantity columns: QtyDefine lacks one of the "
                        "columns ColNo, QType, StartOffset, EndOffset, LRB"));
-  modVariables& variables = session.variables();
   d.QtyDefine.clear();
   while (st->step()) {
     QtyDefineRow row;
     row.ColNo = static_cast<std::int16_t>(st->int64(colNo));
     row.QType = st->text(qType);
-    row.StartOffset = variables.EvaluateFormula(st->text(startOffset));
-    row.EndOffset = variables.EvaluateFormula(st->text(endOffset));
+    const QString name = QStringLiteral(" formula of QtyDefine row ColNo ") + st->text(colNo);
+    row.StartOffset = evaluateStored(session, chainage, st->text(startOffset),
+                                     QStringLiteral("the StartOffset") + name);
+    row.EndOffset = evaluateStored(session, chainage, st->text(endOffset),
+                                   QStringLiteral("the EndOffset") + name);
     row.LRB = st->text(lrb);
     d.QtyDefine.push_back(row);
   }
@@ -122,7 +147,7 @@ bool loadDetails(EngineSession& session, float chainage) {
   }
   d.DetailsReload = false;
   // The offsets see the details columns only: CL and the points are not set yet.
-  loadQtyDefine(session);
+  loadQtyDefine(session, chainage);
   return true;
 }
 
@@ -130,6 +155,7 @@ bool loadDetails(EngineSession& session, float chainage) {
 
 void ResetDesignCache(EngineSession& session) {
   session.design().DetailsReload = true;
+  session.design().RefusedFormulas.clear();
   session.levels().Reload = true;
   if (session.quantityChainagesOutOfDate()) {
     SyncQuantityChainages(session);
@@ -153,23 +179,30 @@ void GetDesignSection(EngineSession& session, float chainage, float centreLevel,
   // A point's variables are set only after both its formulas are evaluated: a Value formula
   // sees the offset of the previous point of its side, not its own.
   for (const DesignProfileRow& row : session.designProfile()) {
+    const QString name = QStringLiteral(" formula of DesignExp row Serial ") + row.Serial;
+    const auto offsetOf = [&] {
+      return evaluateStored(session, chainage, row.Offset, QStringLiteral("the Offset") + name);
+    };
+    const auto valueOf = [&] {
+      return evaluateStored(session, chainage, row.Value, QStringLiteral("the Value") + name);
+    };
     if (row.LCR == QLatin1String("L")) {
-      LP_Off = variables.EvaluateFormula(row.Offset);
-      LP_Val = variables.EvaluateFormula(row.Value);
+      LP_Off = offsetOf();
+      LP_Val = valueOf();
       variables.SetFormulaVariable(QStringLiteral("LP_Off"), LP_Off);
       variables.SetFormulaVariable(QStringLiteral("LP_Val"), LP_Val);
       d.LeftDesignPoints.push_back({LP_Off, LP_Val});
       ++nLeft;
     } else if (row.LCR == QLatin1String("R")) {
-      RP_Off = variables.EvaluateFormula(row.Offset);
-      RP_Val = variables.EvaluateFormula(row.Value);
+      RP_Off = offsetOf();
+      RP_Val = valueOf();
       variables.SetFormulaVariable(QStringLiteral("RP_Off"), RP_Off);
       variables.SetFormulaVariable(QStringLiteral("RP_Val"), RP_Val);
       d.RightDesignPoints.push_back({RP_Off, RP_Val});
       ++nRight;
     } else if (row.LCR == QLatin1String("C")) {
       // A centre point stands on both sides at the offset each side already has.
-      const float v = variables.EvaluateFormula(row.Value);
+      const float v = valueOf();
       LP_Val = v;
       RP_Val = v;
       d.LeftDesignPoints.push_back({LP_Off, v});

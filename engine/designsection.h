@@ -5,6 +5,7 @@
 #include <QString>
 
 #include <cstdint>
+#include <set>
 #include <vector>
 
 namespace engine {
@@ -47,6 +48,9 @@ struct DesignState {
   // Loaded with every details row, in the order the table returns them. All rows are kept;
   // stored designs have at most 16.
   std::vector<QtyDefineRow> QtyDefine;
+
+  // The stored formulas whose length the evaluator refused, each named once per run.
+  std::set<QString> RefusedFormulas;
 
   std::vector<DesignPoint> LeftDesignPoints;
   std::vector<DesignPoint> RightDesignPoints;

@@ -310,9 +310,11 @@ modVariables::Outcome modVariables::reduce(std::u16string& s, std::size_t depth)
 
   std::array<char, 64> resultText;
   char16_t resultChars[64];
+  const auto tooLong = [&s] { return s.size() > std::size_t(kMaxWorkingTextLength); };
   for (const char16_t op : kOperators) {
     std::size_t pos = s.size() + 1;  // 1-based positions throughout, as in the rewriting rules
     while (pos >= 2 && m_steps < kStepLimit) {
+      if (tooLong()) return Outcome::TooLong;
       ++m_steps;
       const bool folded = foldSigns(s);
       const std::size_t last = s.rfind(op);
@@ -335,7 +337,7 @@ modVariables::Outcome modVariables::reduce(std::u16string& s, std::size_t depth)
         if (close - pos - 1 > 0) {
           level.inner.assign(s, pos, close - pos - 1);
           const Outcome nested = reduce(level.inner, depth + 1);
-          if (nested == Outcome::Failed) return Outcome::Failed;
+          if (nested == Outcome::Failed || nested == Outcome::TooLong) return nested;
           if (nested == Outcome::Refused)
             level.result.clear();
           else
@@ -397,12 +399,16 @@ modVariables::Outcome modVariables::reduce(std::u16string& s, std::size_t depth)
       s.replace(keepFront, keepBackFrom - keepFront, resultChars, std::size_t(length));
     }
   }
-  return Outcome::Reduced;
+  return tooLong() ? Outcome::TooLong : Outcome::Reduced;
 }
 
 QString modVariables::ReduceFormulaText(QString& s) {
+  m_refusal = FormulaRefusal::None;
   std::u16string text(reinterpret_cast<const char16_t*>(s.utf16()), std::size_t(s.size()));
   switch (reduce(text, 0)) {
+    case Outcome::TooLong:
+      m_refusal = FormulaRefusal::WorkingTextTooLong;
+      return QString();
     case Outcome::Refused:
       return QString();
     case Outcome::Failed:
@@ -416,12 +422,19 @@ QString modVariables::ReduceFormulaText(QString& s) {
 }
 
 float modVariables::EvaluateFormula(const QString& formula) {
+  m_refusal = FormulaRefusal::None;
+  if (formula.size() > kMaxFormulaLength) {
+    m_refusal = FormulaRefusal::FormulaTooLong;
+    return 0.0f;
+  }
   m_work.assign(reinterpret_cast<const char16_t*>(formula.utf16()), std::size_t(formula.size()));
   substitute(m_work);
   m_steps = 0;
   for (const char16_t c : m_work)
     if (c == u'E' || c == u'e') return 0.0f;
-  if (reduce(m_work, 0) != Outcome::Reduced) return 0.0f;
+  const Outcome outcome = reduce(m_work, 0);
+  if (outcome == Outcome::TooLong) m_refusal = FormulaRefusal::WorkingTextTooLong;
+  if (outcome != Outcome::Reduced) return 0.0f;
 
   // A number: an optional sign, digits, an optional decimal point and digits.
   const char16_t* p = m_work.data();

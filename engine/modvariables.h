@@ -10,6 +10,16 @@
 
 namespace engine {
 
+// The longest formula text the evaluator takes, and the longest its working text may grow to
+// while it is reduced (an empty group takes the last group's result, so "(()())" doubles it).
+// Beyond either the formula is not reduced and yields 0; refusal() says which bound it met.
+inline constexpr int kMaxFormulaLength = 4096;
+inline constexpr int kMaxWorkingTextLength = 65536;
+
+// Why the last evaluation gave up before the formula was reduced: the formula text, or the
+// working text it grew into, is longer than its bound. None for every other outcome.
+enum class FormulaRefusal { None, FormulaTooLong, WorkingTextTooLong };
+
 // A named single-precision value of the design formulas ($CL, $LP_Off, $SRS_LEFT, ...).
 struct FormulaVariable {
   QString Name;
@@ -31,12 +41,16 @@ class modVariables {
   QString SubstituteFormulaVariables(const QString& formula) const;
   // The value of the formula, or 0 when it cannot be reduced to a number: unknown names, an
   // exponent letter, unbalanced parentheses, and arithmetic that fails (division or % by zero,
-  // # with negative places, a negative number to a fractional power, overflow).
+  // # with negative places, a negative number to a fractional power, overflow), or a text beyond
+  // the length bounds above.
   float EvaluateFormula(const QString& formula);
   // One reduction of s (modified in place and returned); shares the step counter with the
   // evaluation that started it. Returns an empty text, leaving s unchanged, once the counter is
-  // past its nesting limit; an arithmetic failure leaves s empty.
+  // past its nesting limit or the text grows beyond kMaxWorkingTextLength; an arithmetic failure
+  // leaves s empty.
   QString ReduceFormulaText(QString& s);
+  // Why the last EvaluateFormula or ReduceFormulaText gave up on the length bounds, if it did.
+  FormulaRefusal refusal() const { return m_refusal; }
 
   const std::vector<FormulaVariable>& variables() const { return m_variables; }
 
@@ -47,7 +61,7 @@ class modVariables {
     std::array<char16_t, 16> chars{};
     int length = 0;
   };
-  enum class Outcome { Reduced, Refused, Failed };
+  enum class Outcome { Reduced, Refused, Failed, TooLong };
   // What one level of parenthesis reduction keeps: the text being reduced inside the group
   // and the last group result of the level.
   struct Level {
@@ -61,6 +75,7 @@ class modVariables {
   std::vector<FormulaVariable> m_variables;
   std::vector<ValueText> m_texts;  // parallel to m_variables
   int m_steps = 0;
+  FormulaRefusal m_refusal = FormulaRefusal::None;
   // Scratch reused by every evaluation so that the quantity run does not allocate per formula.
   std::u16string m_work;
   std::deque<Level> m_levels;  // a deque: nesting adds levels without moving the outer ones

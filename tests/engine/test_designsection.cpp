@@ -173,6 +173,34 @@ TEST_F(DesignSectionTest, DetailsColumnsAreTheOnlyVariablesOfTheQuantityColumns)
   EXPECT_EQ(rows, (std::vector<Row>{{1, "CUT", 5, 30, "L"}, {2, "FILL", 1, 100, "B"}}));
 }
 
+// A stored formula the evaluator refuses counts as 0 and is named once per run, by its table,
+// row and column, whichever chainages use it.
+TEST_F(DesignSectionTest, AFormulaBeyondTheBoundsIsNamedOncePerRun) {
+  const QByteArray huge(1 << 20, '1');
+  profile({{"C", "0", "$CL"}, {"L", huge.constData(), "$CL"}});
+  exec(
+      "UPDATE QtyDefine SET EndOffset='(()())(()())(()())(()())(()())(()())(()())(()())(()())"
+      "(()())(()())(()())(()())(()())(()())(()())(()())(()())(1)' WHERE ColNo=2");
+  oneDetailsRow();
+  engine::ResetDesignCache(session);
+  section(0);
+  const Outcome again = section(0.5f);
+  EXPECT_EQ(std::get<2>(again), (Points{{0, 100}, {0, 100}}));
+  EXPECT_EQ(reporter.errors,
+            (QStringList{QStringLiteral("Chainage : 0>The EndOffset formula of QtyDefine row ColNo "
+                                        "2 grows beyond %1 characters while it is worked out; it "
+                                        "counts as 0.")
+                             .arg(engine::kMaxWorkingTextLength),
+                         QStringLiteral("Chainage : 0>The Offset formula of DesignExp row Serial 2 "
+                                        "is %1 characters long, more than the %2 a formula may "
+                                        "have; it counts as 0.")
+                             .arg(huge.size())
+                             .arg(engine::kMaxFormulaLength)}));
+  engine::ResetDesignCache(session);
+  section(0);
+  EXPECT_EQ(reporter.errors.size(), 4);
+}
+
 TEST_F(DesignSectionTest, ResetSyncsQuantityChainagesOnlyWhenMarked) {
   exec(
       "INSERT INTO Initial (SectionID, Chainage, Offset, [Level]) VALUES (1, 0, 0, 100), "

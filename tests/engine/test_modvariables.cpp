@@ -128,6 +128,34 @@ TEST(EvaluateFormula, ReduceRefusesOnceTheStepCounterIsSpent) {
   EXPECT_FLOAT_EQ(vars.EvaluateFormula(QStringLiteral("1+1")), 2);  // a new evaluation starts over
 }
 
+// Each "(()())" doubles the working text; thirty of them would need gigabytes. The evaluator
+// gives up on texts beyond its bounds, says so, and takes them as 0; a formula within
+// the bounds is not refused.
+TEST(EvaluateFormula, RefusesTextsBeyondItsBounds) {
+  QString doubling;
+  for (int k = 0; k < 30; ++k) doubling += QStringLiteral("(()())");
+  doubling += QStringLiteral("(1)");
+  QString sum = QStringLiteral("1");
+  while (sum.size() <= engine::kMaxFormulaLength) sum += QStringLiteral("+1");
+  const struct {
+    QString formula;
+    engine::FormulaRefusal refusal;
+  } cases[] = {{doubling, engine::FormulaRefusal::WorkingTextTooLong},
+               {sum, engine::FormulaRefusal::FormulaTooLong},
+               {sum.left(engine::kMaxFormulaLength - 1), engine::FormulaRefusal::None}};
+  engine::modVariables vars;
+  for (const auto& k : cases) {
+    const float value = vars.EvaluateFormula(k.formula);
+    EXPECT_EQ(vars.refusal(), k.refusal) << k.formula.size();
+    EXPECT_EQ(value, k.refusal == engine::FormulaRefusal::None
+                         ? static_cast<float>(engine::kMaxFormulaLength / 2)
+                         : 0.0f);
+  }
+  QString text = doubling;
+  EXPECT_EQ(vars.ReduceFormulaText(text), QString());
+  EXPECT_EQ(vars.refusal(), engine::FormulaRefusal::WorkingTextTooLong);
+}
+
 TEST(FormulaVariables, ValuesAreWrittenWithUpToSevenDigits) {
   const struct {
     float value;
