@@ -60,9 +60,10 @@ int usageError(Context& context, const QString& message) {
   return kUsage;
 }
 
-std::unique_ptr<db::Connection> openProjectOrReport(Context& context, const QString& path) {
+std::unique_ptr<db::Connection> openProjectOrReport(Context& context, const QString& path,
+                                                    db::ProjectAccess access) {
   try {
-    return db::openProject(path);
+    return db::openProject(path, access);
   } catch (const db::Error& e) {
     context.err << e.message() << "\n";
     context.err.flush();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cli/cli.h"
+#include "db/project.h"
 #include "engine/reporter.h"
 
 #include <QCommandLineParser>
@@ -38,8 +39,10 @@ struct Command {
 int usageError(Context& context, const QString& message);
 
 // Opens a project file; on failure writes one line naming the file and the reason to err and
-// returns null (the command then returns kCannotOpen).
-std::unique_ptr<db::Connection> openProjectOrReport(Context& context, const QString& path);
+// returns null (the command then returns kCannotOpen). Commands that only read open it with
+// db::ProjectAccess::Read and leave the file as it was.
+std::unique_ptr<db::Connection> openProjectOrReport(Context& context, const QString& path,
+                                                    db::ProjectAccess access);
 
 // Parses a whole decimal number option as a single / a 32-bit key; nullopt on bad text.
 std::optional<float> parseMeasure(const QString& text);

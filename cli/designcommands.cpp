@@ -30,7 +30,8 @@ struct Run : ProjectSession<> {
 // Checks the arguments and opens the project. Returns the exit code when the command cannot go
 // on, or -1 when run is ready. chainageRequired: --chainage must be given; otherwise it is
 // optional and defaults to -1.
-int start(Context& context, Run& run, bool chainageRequired, bool takesChainage) {
+int start(Context& context, Run& run, bool chainageRequired, bool takesChainage,
+          db::ProjectAccess access) {
   int code = -1;
   const auto file = fileArgument(context, code);
   if (!file) return code;
@@ -45,7 +46,7 @@ int start(Context& context, Run& run, bool chainageRequired, bool takesChainage)
     return usageError(context, QStringLiteral("give the chainage with --chainage C."));
   }
 
-  if (int failed = run.open(context, *file, true); failed >= 0) return failed;
+  if (int failed = run.open(context, *file, true, access); failed >= 0) return failed;
   return run.useSection(context, run.sectionId);
 }
 
@@ -63,7 +64,7 @@ void designLevelOptions(QCommandLineParser& parser) {
 
 int designLevel(Context& context) {
   Run run;
-  if (int code = start(context, run, true, true); code >= 0) return code;
+  if (int code = start(context, run, true, true, db::ProjectAccess::Read); code >= 0) return code;
   return run.guarded(context, [&] {
     bool interpolated = false;
     const float level = engine::DesignLevelAt(*run.engine, run.chainage, interpolated,
@@ -96,7 +97,7 @@ QJsonArray jsonPoints(const std::vector<engine::DesignPoint>& points, int count)
 
 int designSection(Context& context) {
   Run run;
-  if (int code = start(context, run, true, true); code >= 0) return code;
+  if (int code = start(context, run, true, true, db::ProjectAccess::Read); code >= 0) return code;
   return run.guarded(context, [&] {
     engine::EngineSession& session = *run.engine;
     engine::ResetDesignCache(session);
@@ -137,7 +138,7 @@ void validateOptions(QCommandLineParser& parser) {
 
 int validate(Context& context) {
   Run run;
-  if (int code = start(context, run, false, true); code >= 0) return code;
+  if (int code = start(context, run, false, true, db::ProjectAccess::Read); code >= 0) return code;
   return run.guarded(context, [&] {
     const bool bad = engine::ValidateLevels(*run.engine, run.chainage);
     if (context.parser.isSet(kJson)) {
@@ -155,7 +156,7 @@ int validate(Context& context) {
 
 int orderInitial(Context& context) {
   Run run;
-  if (int code = start(context, run, false, false); code >= 0) return code;
+  if (int code = start(context, run, false, false, db::ProjectAccess::Edit); code >= 0) return code;
   return run.guarded(context, [&] {
     engine::FormatInitialTable(*run.engine);
     context.out << "Formatted the Initial table and checked the levels of section " << run.sectionId
@@ -166,7 +167,7 @@ int orderInitial(Context& context) {
 
 int syncChainages(Context& context) {
   Run run;
-  if (int code = start(context, run, false, false); code >= 0) return code;
+  if (int code = start(context, run, false, false, db::ProjectAccess::Edit); code >= 0) return code;
   return run.guarded(context, [&] {
     engine::SyncQuantityChainages(*run.engine);
     db::Statement rows =

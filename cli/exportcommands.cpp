@@ -1,5 +1,6 @@
 #include "cli/command.h"
 #include "cli/session.h"
+#include "db/project.h"
 #include "engine/quantityexport.h"
 #include "engine/session.h"
 
@@ -39,8 +40,14 @@ int exportQuantity(Context& context) {
     return usageError(context, QStringLiteral("--output must end in .xlsx or .csv, not '") +
                                    output + QStringLiteral("'."));
 
+  if (db::isSameFile(output, *file))
+    return usageError(context, QStringLiteral("--output '") + output +
+                                   QStringLiteral("' is the project file itself: give another "
+                                                  "file."));
+
   ProjectSession<> project;
-  if (int failed = project.open(context, *file, false); failed >= 0) return failed;
+  if (int failed = project.open(context, *file, false, db::ProjectAccess::Edit); failed >= 0)
+    return failed;
   engine::EngineSession& session = *project.engine;
   return project.guarded(context, [&]() -> int {
     if (int failed = project.useSection(context, *section); failed >= 0) return failed;

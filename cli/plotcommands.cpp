@@ -2,6 +2,7 @@
 #include "cli/json.h"
 #include "cli/session.h"
 #include "db/connection.h"
+#include "db/project.h"
 #include "drawing/crosssectionsheet.h"
 #include "drawing/longsectionsheet.h"
 #include "drawing/pageoutput.h"
@@ -240,13 +241,22 @@ int writeSheet(Context& context, const PlotRequest& request, const drawing::Shee
                                               "it has %2.")
                                    .arg(context.parser.value(kPages), pagesText(count)));
   const int first = request.firstPage - 1;
+  const int written = last - first;
+  const bool filePerPage =
+      request.format == drawing::PageFormat::Png || request.format == drawing::PageFormat::Svg;
+  for (int page = 1; page <= (filePerPage ? written : 1); ++page) {
+    const QString file = drawing::pageFilePath(request.output, page, filePerPage ? written : 1);
+    if (db::isSameFile(file, request.file))
+      return usageError(context, QStringLiteral("--output would write '%1', which is the project "
+                                                "file itself: give another file.")
+                                     .arg(file));
+  }
   const drawing::PageOutputResult result = drawing::writePages(
       sheet, request.output, request.format, first, last - 1, drawing::titleLead(title));
   if (!result.ok) {
     context.err << result.message << "\n";
     return kCannotOpen;
   }
-  const int written = last - first;
   if (context.parser.isSet(kJson)) {
     QJsonArray outputs;
     for (const QString& f : result.written) outputs.append(QDir::cleanPath(f));
@@ -313,7 +323,8 @@ int plot(Context& context) {
   if (!request) return code;
 
   ProjectSession<> project;
-  if (int failed = project.open(context, request->file, true); failed >= 0) return failed;
+  if (int failed = project.open(context, request->file, true, db::ProjectAccess::Read); failed >= 0)
+    return failed;
   return project.guarded(context, [&]() -> int {
     if (int failed = project.useSection(context, request->section); failed >= 0) return failed;
     const drawing::SheetTitle title = sheetTitle(*project.connection, *request);

@@ -1,4 +1,5 @@
 #include "cli/command.h"
+#include "cli/session.h"
 #include "db/connection.h"
 #include "db/project.h"
 
@@ -14,15 +15,16 @@ void newOptions(QCommandLineParser& parser) {
 }
 
 int newProject(Context& context) {
-  const QStringList files = context.parser.positionalArguments();
-  if (files.size() != 1) return usageError(context, QStringLiteral("give exactly one FILE."));
+  int code = -1;
+  const auto file = fileArgument(context, code);
+  if (!file) return code;
   try {
-    db::createProject(files.first(), context.parser.isSet(QStringLiteral("demo")));
+    db::createProject(*file, context.parser.isSet(QStringLiteral("demo")));
   } catch (const db::Error& e) {
     context.err << e.message() << "\n";
     return kCannotOpen;
   }
-  context.out << "Created " << files.first() << "\n";
+  context.out << "Created " << *file << "\n";
   return kOk;
 }
 
@@ -31,9 +33,10 @@ void fileOption(QCommandLineParser& parser) {
 }
 
 int listSections(Context& context) {
-  const QStringList files = context.parser.positionalArguments();
-  if (files.size() != 1) return usageError(context, QStringLiteral("give exactly one FILE."));
-  auto connection = openProjectOrReport(context, files.first());
+  int code = -1;
+  const auto file = fileArgument(context, code);
+  if (!file) return code;
+  auto connection = openProjectOrReport(context, *file, db::ProjectAccess::Read);
   if (!connection) return kCannotOpen;
   try {
     db::Statement st = connection->prepare(
@@ -45,7 +48,7 @@ int listSections(Context& context) {
       context.out << st.text(0) << '\t' << st.text(1) << '\t' << st.text(2) << '\t' << st.text(3)
                   << '\n';
   } catch (const db::Error& e) {
-    context.err << files.first() << ": " << e.message() << "\n";
+    context.err << *file << ": " << e.message() << "\n";
     return kCannotOpen;
   }
   return kOk;

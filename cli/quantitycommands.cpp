@@ -41,7 +41,9 @@ int open(Context& context, Session& s) {
   int code = -1;
   const auto file = fileArgument(context, code);
   if (!file) return code;
-  if (int failed = s.open(context, *file, true); failed >= 0) return failed;
+  // The run stores the areas it computes in DesignQty, as the desktop's View Quantity does.
+  if (int failed = s.open(context, *file, true, db::ProjectAccess::Edit); failed >= 0)
+    return failed;
   s.engine->setUseExecutedLevel(context.parser.isSet(kExecuted));
   return -1;
 }

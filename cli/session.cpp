@@ -28,6 +28,10 @@ std::optional<QString> fileArgument(Context& context, int& code) {
     code = usageError(context, QStringLiteral("give exactly one FILE."));
     return std::nullopt;
   }
+  if (files.first().isEmpty()) {
+    code = usageError(context, QStringLiteral("FILE is empty: give the name of a project file."));
+    return std::nullopt;
+  }
   return files.first();
 }
 

@@ -42,8 +42,9 @@ struct ProjectSession {
 
   // Opens file and starts the session, loading the design profile when asked. Returns the exit
   // code when the project or its profile cannot be opened, else -1.
-  int open(Context& context, const QString& file, bool loadDesignProfile) {
-    connection = openProjectOrReport(context, file);
+  int open(Context& context, const QString& file, bool loadDesignProfile,
+           db::ProjectAccess access) {
+    connection = openProjectOrReport(context, file, access);
     if (!connection) return kCannotOpen;
     reporter = std::make_unique<Reporter>(context.err);
     engine = std::make_unique<engine::EngineSession>(*connection, *reporter);

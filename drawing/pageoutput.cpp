@@ -6,7 +6,13 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QJsonDocument>
+#include <QRandomGenerator>
 #include <QSaveFile>
+
+#include <filesystem>
+#include <memory>
+#include <system_error>
+#include <vector>
 
 namespace drawing {
 
@@ -33,6 +39,42 @@ QString cannotWrite(const QString& path) {
   return QStringLiteral("The file %1 cannot be written.").arg(QDir::toNativeSeparators(path));
 }
 
+// A file written under a scratch name beside its target, which takes the target's name only
+// once it is complete: a failed write leaves any earlier file of that name as it was, and a
+// link of that name is replaced rather than written through.
+class ScratchFile {
+ public:
+  explicit ScratchFile(QString target) : m_target(std::move(target)) {
+    const QFileInfo info(m_target);
+    m_path = info.dir().filePath(
+        QStringLiteral(".%1.%2.part")
+            .arg(info.fileName(), QString::number(QRandomGenerator::global()->generate64(), 36)));
+  }
+  ~ScratchFile() {
+    if (!m_committed) QFile::remove(m_path);
+  }
+  ScratchFile(const ScratchFile&) = delete;
+  ScratchFile& operator=(const ScratchFile&) = delete;
+
+  const QString& path() const { return m_path; }
+  const QString& target() const { return m_target; }
+  // Gives the written scratch file the target's name; false when it is missing or the rename
+  // fails.
+  bool commit() {
+    if (!QFileInfo(m_path).isFile()) return false;
+    std::error_code error;
+    std::filesystem::rename(QFile::encodeName(m_path).toStdString(),
+                            QFile::encodeName(m_target).toStdString(), error);
+    m_committed = !error;
+    return m_committed;
+  }
+
+ private:
+  QString m_target;
+  QString m_path;
+  bool m_committed = false;
+};
+
 }  // namespace
 
 PageOutputResult writePages(const SheetProducer& producer, const QString& path, PageFormat format,
@@ -41,15 +83,14 @@ PageOutputResult writePages(const SheetProducer& producer, const QString& path, 
   const int count = last - first + 1;
   switch (format) {
     case PageFormat::Pdf: {
-      QSaveFile probe(path);
-      if (!probe.open(QIODevice::WriteOnly)) {
-        result.message = cannotWrite(path);
-        return result;
+      ScratchFile file(path);
+      bool finished = false;
+      {
+        PdfSurface surface(file.path(), title);  // closes the file when it goes
+        renderPages(producer, surface, first, last);
+        finished = surface.finish();
       }
-      probe.cancelWriting();
-      PdfSurface surface(path, title);
-      renderPages(producer, surface, first, last);
-      if (!surface.finish()) {
+      if (!finished || !file.commit()) {
         result.message = cannotWrite(path);
         return result;
       }
@@ -60,25 +101,30 @@ PageOutputResult writePages(const SheetProducer& producer, const QString& path, 
       for (int page = first; page <= last; ++page) {
         ImageSurface surface(kPngDpi);
         renderPages(producer, surface, page, page);
-        const QString file = pageFilePath(path, page - first + 1, count);
-        if (surface.images().empty() || !surface.images().front().save(file, "PNG")) {
-          result.message = cannotWrite(file);
+        ScratchFile file(pageFilePath(path, page - first + 1, count));
+        if (surface.images().empty() || !surface.images().front().save(file.path(), "PNG") ||
+            !file.commit()) {
+          result.message = cannotWrite(file.target());
           return result;
         }
-        result.written.append(file);
+        result.written.append(file.target());
       }
       break;
     }
     case PageFormat::Svg: {
-      SvgSurface surface([&](int index) { return pageFilePath(path, index + 1, count); });
+      std::vector<std::unique_ptr<ScratchFile>> files;
+      SvgSurface surface([&](int index) {
+        files.push_back(std::make_unique<ScratchFile>(pageFilePath(path, index + 1, count)));
+        return files.back()->path();
+      });
       renderPages(producer, surface, first, last);
       surface.endPage();
-      for (const QString& file : surface.written())
-        if (!QFileInfo(file).isFile()) {
-          result.message = cannotWrite(file);
+      for (const auto& file : files)
+        if (!file->commit()) {
+          result.message = cannotWrite(file->target());
           return result;
         }
-      result.written = surface.written();
+      for (const auto& file : files) result.written.append(file->target());
       break;
     }
     case PageFormat::Json: {

@@ -30,7 +30,8 @@ struct PageOutputResult {
 
 // Writes pages first to last (0-based, inclusive) of producer to path: one PDF with a page per
 // sheet page, one PNG or SVG file per page, or the recorded primitives as JSON. The page size
-// is the sheet's, at true scale. title goes into the PDF's properties.
+// is the sheet's, at true scale. title goes into the PDF's properties. Each file is written
+// under a scratch name beside it and renamed once complete.
 PageOutputResult writePages(const SheetProducer& producer, const QString& path, PageFormat format,
                             int first, int last, const QString& title = {});
 

@@ -112,12 +112,25 @@ bool loadDetails(EngineSession& session, float chainage) {
   if (d.DetailsChainage == -1) d.DetailsChainage = d.NextDetailsChainage;
   // The last row applies to the end of the section.
   if (d.NextDetailsChainage == -1) {
-    StatementUse st(
-        cachedStatement(d.lastQuantityChainage, connection,
-                        QStringLiteral("Select max(Chainage) FROM DesignQty WHERE SectionID=?"),
-                        QStringLiteral("Finding the last quantity chainage")));
-    st->bindKey(1, section);
-    const auto last = aggregate(*st);
+    std::optional<float> last;
+    if (session.quantityChainagesOutOfDate() && connection.isReadOnly()) {
+      // The stored chainages could not be brought in line: the surveyed ones count, as they
+      // would after SyncQuantityChainages.
+      StatementUse st(
+          cachedStatement(d.lastSurveyedChainage, connection,
+                          QStringLiteral("Select max(Chainage) FROM Initial WHERE SectionID=?"),
+                          QStringLiteral("Finding the last surveyed chainage")));
+      st->bindKey(1, section);
+      last = aggregate(*st);
+    }
+    if (!last) {
+      StatementUse st(
+          cachedStatement(d.lastQuantityChainage, connection,
+                          QStringLiteral("Select max(Chainage) FROM DesignQty WHERE SectionID=?"),
+                          QStringLiteral("Finding the last quantity chainage")));
+      st->bindKey(1, section);
+      last = aggregate(*st);
+    }
     if (!last) {
       session.reporter().ShowError(chainageLine(
           chainage, QStringLiteral("Unknown Error encountered. This is inconceivable")));
@@ -157,7 +170,7 @@ void ResetDesignCache(EngineSession& session) {
   session.design().DetailsReload = true;
   session.design().RefusedFormulas.clear();
   session.levels().Reload = true;
-  if (session.quantityChainagesOutOfDate()) {
+  if (session.quantityChainagesOutOfDate() && !session.connection().isReadOnly()) {
     SyncQuantityChainages(session);
     session.clearQuantityChainagesMark();
   }

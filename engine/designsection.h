@@ -61,13 +61,15 @@ struct DesignState {
   db::Statement detailsAtOrBefore;
   db::Statement detailsAfter;
   db::Statement lastQuantityChainage;
+  db::Statement lastSurveyedChainage;
   db::Statement detailsRow;
   db::Statement qtyDefineRows;
 };
 
 // Raises the details and design-level reload flags; when level data changed since the last run
 // (the session's quantity-chainages mark), brings DesignQty's chainages in line with Initial
-// and clears the mark.
+// and clears the mark — unless the connection is read-only: then the stored chainages stay as
+// they are and the mark stays raised.
 void ResetDesignCache(EngineSession& session);
 
 // Builds the design section of the current section at chainage, hung from centreLevel (the

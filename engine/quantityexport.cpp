@@ -2,6 +2,7 @@
 
 #include "db/connection.h"
 #include "db/numbers.h"
+#include "db/project.h"
 #include "engine/numberformat.h"
 #include "engine/reporter.h"
 #include "engine/session.h"
@@ -277,6 +278,11 @@ QString WriteQuantitySheet(const QuantitySheet& sheet, const QString& path,
 QuantityExportResult ExportQuantitySheet(EngineSession& session, const QString& path,
                                          QuantitySheetFormat format) {
   QuantityExportResult result;
+  if (db::isSameFile(path, session.connection().path())) {
+    result.status = QuantityExportResult::Status::CannotWrite;
+    result.message = cannotWrite(path, QStringLiteral("it is the open project file"));
+    return result;
+  }
   const std::optional<QuantitySheet> sheet = CollectQuantitySheet(session);
   if (!sheet) {
     result.status = QuantityExportResult::Status::StoppedByInvalidLevels;

@@ -64,6 +64,8 @@ struct QuantityExportResult {
   QString message;  // CannotWrite: the file and the reason
   int rowCount = 0;
 };
+// A path that is the open project file, by any name or link, is refused (CannotWrite) before
+// anything is computed.
 QuantityExportResult ExportQuantitySheet(EngineSession& session, const QString& path,
                                          QuantitySheetFormat format);
 

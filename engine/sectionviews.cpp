@@ -77,11 +77,25 @@ std::vector<CrossSection> computeCrossSections(EngineSession& session,
 }
 
 std::vector<float> quantityChainages(EngineSession& session) {
+  std::vector<float> chainages;
+  if (session.quantityChainagesOutOfDate() && session.connection().isReadOnly()) {
+    // The stored chainages cannot be brought in line: take what SyncQuantityChainages would
+    // leave, the surveyed chainages, unless nothing is surveyed.
+    db::Statement surveyed = session.connection().prepare(
+        QStringLiteral("SELECT DISTINCT Chainage FROM Initial WHERE SectionID=? AND Chainage IS "
+                       "NOT NULL ORDER BY Chainage"),
+        QStringLiteral("Reading the surveyed chainages"));
+    surveyed.bindKey(1, session.sectionId());
+    while (surveyed.step()) {
+      const float chainage = surveyed.measure(0);
+      if (chainages.empty() || chainages.back() != chainage) chainages.push_back(chainage);
+    }
+    if (!chainages.empty()) return chainages;
+  }
   db::Statement rows = session.connection().prepare(
       QStringLiteral("SELECT Chainage FROM DesignQty WHERE SectionID=? ORDER BY Chainage"),
       QStringLiteral("Reading the quantity chainages"));
   rows.bindKey(1, session.sectionId());
-  std::vector<float> chainages;
   while (rows.step()) chainages.push_back(rows.measure(0));
   return chainages;
 }
@@ -110,13 +124,11 @@ LongProfile computeLongProfile(EngineSession& session, float from, float to, boo
     p.highest = p.highest ? std::max(*p.highest, high) : high;
   }
 
-  db::Statement chainages = rangeQuery(QStringLiteral("SELECT Chainage FROM DesignQty") + range +
-                                           QStringLiteral(" ORDER BY Chainage"),
-                                       QStringLiteral("Reading the quantity chainages"));
   std::map<float, std::size_t> rowOf;
-  while (chainages.step()) {
+  for (const float chainage : quantityChainages(session)) {
+    if (chainage < from || chainage > to) continue;
     LongProfileRow row;
-    row.chainage = chainages.measure(0);
+    row.chainage = chainage;
     rowOf.emplace(row.chainage, p.rows.size());
     p.rows.push_back(row);
   }

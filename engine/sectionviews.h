@@ -48,6 +48,8 @@ std::vector<CrossSection> computeCrossSections(
     EngineSession& session, const std::function<bool(int, int)>& onChainage = {});
 
 // The quantity chainages of the current section in order: the rows the sheets and views walk.
+// On a read-only connection, while the quantity chainages are out of date, the chainages
+// SyncQuantityChainages would leave, read without writing them.
 std::vector<float> quantityChainages(EngineSession& session);
 
 // One chainage of a longitudinal profile. A missing value is nullopt.

@@ -12,11 +12,14 @@
 #include <QProcess>
 #include <QRegularExpression>
 #include <QStandardPaths>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
 #include <optional>
 #include <vector>
+
+#include <unistd.h>
 
 using testsupport::runCli;
 using testsupport::TempProject;
@@ -117,6 +120,10 @@ TEST_P(CliCommandTest, ExitsAndPrintsAsExpected) {
 #define CANAL_POINTS "[[0,151],[3,151],[6.9,153.6],[10.9,153.6]]"
 #define BAD_INITIAL \
   "Null, Negative, Zero Values or Values not in acceptable range in Initial Levels."
+// Each "(()())" doubles the formula's working text: 2^18 characters at the end.
+#define DOUBLING_3 "(()())(()())(()())"
+#define DOUBLING_18 DOUBLING_3 DOUBLING_3 DOUBLING_3 DOUBLING_3 DOUBLING_3 DOUBLING_3 "(1)"
+#define NAN_OFFSET "UPDATE Initial SET Offset='NaN' WHERE Chainage=0 AND Offset=20"
 
 INSTANTIATE_TEST_SUITE_P(
     Commands, CliCommandTest,
@@ -286,7 +293,25 @@ INSTANTIATE_TEST_SUITE_P(
                 "Usage: delvane-cli plot [options] FILE", "DIR/x.pdf"},
         CliCase{"PlotToUnwritableFolder", Project::HandBuilt, nullptr,
                 "plot FILE --section 1 --output DIR/nofolder/x.pdf", 3, "",
-                "nofolder/x.pdf cannot be written."}),
+                "nofolder/x.pdf cannot be written."},
+        // Hostile files: each ends with a message and its exit code.
+        CliCase{"ValidateNamesANaNOffset", Project::HandBuilt, NAN_OFFSET,
+                "validate FILE --section 1", 1, "~missing or out of range",
+                "Chainage [0], Offset [NaN], Level [100]: " BAD_INITIAL},
+        CliCase{"QuantitiesStopAtANaNOffset", Project::HandBuilt, NAN_OFFSET,
+                "quantities FILE --section 1 --json", 1, "~\"computed\":false", "Offset [NaN]"},
+        CliCase{"AreasEndAtANaNOffset", Project::HandBuilt, NAN_OFFSET,
+                "areas FILE --section 1 --chainage 0 --json", 0, "~\"area_cut\":"},
+        CliCase{"PlotEndsAtANaNOffset", Project::HandBuilt, NAN_OFFSET,
+                "plot FILE --section 1 --output DIR/x.json", 0, "~Wrote 1 page"},
+        CliCase{"EvalRefusesAGrowingFormula", Project::None, nullptr, "eval " DOUBLING_18, 1, "0\n",
+                "grows beyond"},
+        CliCase{"DesignSectionNamesAGrowingFormula", Project::HandBuilt,
+                "UPDATE DesignExp SET Offset='" DOUBLING_18 "' WHERE Serial=2",
+                "design-section FILE --section 1 --chainage 0", 1, "~centre level\t98",
+                "The Offset formula of DesignExp row Serial 2 grows beyond"},
+        CliCase{"SectionsOfAFolder", Project::None, nullptr, "sections DIR/", 3, "",
+                "is a folder"}),
     [](const auto& info) { return std::string(info.param.name); });
 
 // Each bad command line against one demo project: exit 2, nothing printed, an error naming the
@@ -367,6 +392,90 @@ TEST(CliNew, CreatesDemoAndListsItsSections) {
   EXPECT_EQ(listed.code, 0) << listed.err.toStdString();
   EXPECT_EQ(listed.out, QStringLiteral("1\tRight Main Canal\t1\tRMC km 0.000 to 4.000\n"
                                        "1\tRight Main Canal\t2\tRMC km 4.000 to 7.000\n"));
+}
+
+// An empty name is refused; a name SQLite would read as a URI is a file of that name.
+TEST(CliNew, NamesAreFileNames) {
+  QTemporaryDir dir;
+  const QString previous = QDir::currentPath();
+  ASSERT_TRUE(QDir::setCurrent(dir.path()));
+  const auto empty = runCli({QStringLiteral("new"), QString()});
+  const auto uri = runCli({QStringLiteral("new"), QStringLiteral("file:p.delvane?mode=memory")});
+  QDir::setCurrent(previous);
+  EXPECT_EQ(empty.code, cli::kUsage);
+  EXPECT_TRUE(empty.err.contains(QStringLiteral("FILE is empty"))) << empty.err.toStdString();
+  EXPECT_EQ(uri.code, 0) << uri.err.toStdString();
+  EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files),
+            QStringList{QStringLiteral("file:p.delvane?mode=memory")});
+}
+
+QByteArray fileBytes(const QString& path) {
+  QFile file(path);
+  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// A read-only foreign file lacking the chainage indexes and the quantity chainages: every
+// command that only reads succeeds and leaves it byte for byte as it was, computing the
+// chainages a sync would store.
+TEST(CliReadOnly, ReadingCommandsLeaveTheFileAsItWas) {
+  TempProject project;
+  buildHandBuilt(project.create());
+  project.connection().exec(QStringLiteral("DROP INDEX idx_Initial_SectionChainage"));
+  QFile::setPermissions(project.path(), QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther);
+  const QByteArray before = fileBytes(project.path());
+  const struct {
+    const char* args;
+    const char* out;
+  } cases[] = {
+      {"sections FILE", "1\tP\t1\tS\n"},
+      {"design-level FILE --section 1 --chainage 0.05", "0.05\t98\tinterpolated\n"},
+      {"design-section FILE --section 1 --chainage 0.05", "centre level\t98\n"},
+      {"validate FILE --section 1", "The levels of section 1 are acceptable.\n"},
+      {"plot FILE --section 1 --output DIR/x.json --json", R"("sections_drawn":2)"},
+      {"plot FILE --section 1 --long --output DIR/l.json --json", R"("sections_drawn":2)"},
+  };
+  for (const auto& k : cases) {
+    SCOPED_TRACE(k.args);
+    const auto r =
+        runCli(QString::fromUtf8(k.args)
+                   .replace(QStringLiteral("FILE"), project.path())
+                   .replace(QStringLiteral("DIR/"), project.dir().path() + QLatin1Char('/'))
+                   .split(QLatin1Char(' ')));
+    EXPECT_EQ(r.code, 0) << r.err.toStdString();
+    EXPECT_TRUE(r.out.contains(QString::fromUtf8(k.out))) << r.out.toStdString();
+    EXPECT_EQ(fileBytes(project.path()), before);
+  }
+}
+
+// An output that is the project file, by its own name, a link or any of a plot's page files,
+// is refused before anything is written.
+TEST(CliOutputs, NeverReplaceTheProject) {
+  TempProject project;
+  project.create(true);
+  const QDir dir(project.dir().path());
+  ASSERT_TRUE(QFile::link(project.path(), dir.filePath(QStringLiteral("link.csv"))));
+  ASSERT_TRUE(QFile::link(project.path(), dir.filePath(QStringLiteral("link.pdf"))));
+  ASSERT_TRUE(QFile::link(project.path(), dir.filePath(QStringLiteral("x-2.png"))));
+  ASSERT_EQ(::link(QFile::encodeName(project.path()).constData(),
+                   QFile::encodeName(dir.filePath(QStringLiteral("hard.xlsx"))).constData()),
+            0);
+  ASSERT_TRUE(QFile::copy(project.path(), dir.filePath(QStringLiteral("p.csv"))));
+  const QByteArray before = fileBytes(project.path());
+  for (const char* args : {"export FILE --section 1 --output DIR/link.csv",
+                           "export FILE --section 1 --output DIR/hard.xlsx",
+                           "export DIR/p.csv --section 1 --output DIR/./p.csv",
+                           "plot FILE --section 1 --output DIR/link.pdf",
+                           "plot FILE --section 1 --pages 1-2 --output DIR/x.png"}) {
+    SCOPED_TRACE(args);
+    const auto r = runCli(QString::fromUtf8(args)
+                              .replace(QStringLiteral("FILE"), project.path())
+                              .replace(QStringLiteral("DIR/"), dir.path() + QLatin1Char('/'))
+                              .split(QLatin1Char(' ')));
+    EXPECT_EQ(r.code, cli::kUsage);
+    EXPECT_TRUE(r.err.contains(QStringLiteral("project file itself"))) << r.err.toStdString();
+    EXPECT_EQ(fileBytes(project.path()), before);
+  }
+  EXPECT_FALSE(dir.exists(QStringLiteral("x-1.png")));
 }
 
 // The whole Initial table as text, in order of entry.

@@ -167,6 +167,21 @@ TEST_F(QuantityExportTest, UnwritableFileIsNamedWithTheReason) {
   }
 }
 
+// The desktop's export to a file that is the open project, by its name or a link to it, is
+// refused before the run, and the project stays as it was.
+TEST_F(QuantityExportTest, TheOpenProjectIsNeverTheExportedFile) {
+  const QString link = out(QStringLiteral("link.csv"));
+  ASSERT_TRUE(QFile::link(project.path(), link));
+  const QByteArray before = fileBytes(project.path());
+  for (const QString& path : {project.path(), link}) {
+    const QuantityExportResult result = exportTo(path, QuantitySheetFormat::Csv);
+    EXPECT_EQ(result.status, QuantityExportResult::Status::CannotWrite);
+    EXPECT_TRUE(result.message.contains(QStringLiteral("open project file")))
+        << result.message.toStdString();
+    EXPECT_EQ(fileBytes(project.path()), before);
+  }
+}
+
 struct FormatCase {
   const char* path;
   std::optional<QuantitySheetFormat> format;
