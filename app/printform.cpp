@@ -60,8 +60,7 @@ class PrinterSurface : public drawing::PainterSurface {
   void beginPage(int, int) override {
     if (m_started) m_printer.newPage();
     m_started = true;
-    m_painter.resetTransform();
-    m_painter.translate(m_offset);
+    setOrigin(m_offset);
     setPainter(&m_painter);
   }
   void endPage() override { setPainter(nullptr); }

@@ -90,7 +90,7 @@ void PainterSurface::setPainter(QPainter* painter) {
   m_angle = 0;
   m_unturn = QTransform();
   if (m_painter) {
-    m_painter->setWorldTransform(QTransform());  // a page goes on from a new page's corner
+    m_painter->setWorldTransform(m_base);  // not turned, whatever the last page left
     m_painter->setRenderHint(QPainter::Antialiasing);
     m_painter->setRenderHint(QPainter::TextAntialiasing);
     m_painter->setBrush(Qt::NoBrush);
@@ -115,7 +115,7 @@ void PainterSurface::turnTo(int angle) {
   m_angle = angle;
   QTransform turn;
   turn.rotate(-angle);
-  m_painter->setWorldTransform(turn);
+  m_painter->setWorldTransform(turn * m_base);
   m_unturn = turn.inverted();
 }
 

@@ -49,8 +49,12 @@ class PainterSurface : public DrawingSurface {
   double effectiveDpi() const { return m_dpi; }
 
  protected:
-  // The painter of the page being drawn; null between pages.
+  // The painter of the page being drawn; null between pages. Its transform is set to put the
+  // page's corner at the origin given before.
   void setPainter(QPainter* painter);
+  // Where the page's top-left corner goes on the device, in device pixels (a tile of a page
+  // printed over several sheets of paper starts left of and above the paper).
+  void setOrigin(QPointF origin) { m_base = QTransform::fromTranslate(origin.x(), origin.y()); }
   QPainter* painter() const { return m_painter; }
 
  private:
@@ -74,6 +78,7 @@ class PainterSurface : public DrawingSurface {
   int m_fillStyle = 1;          // the brush in force
   int m_angle = 0;              // the turn in force
   QTransform m_unturn;          // page to turned coordinates
+  QTransform m_base;            // the page's corner on the device
   std::vector<QLineF> m_lines;  // waiting to be drawn, in turned coordinates
 };
 

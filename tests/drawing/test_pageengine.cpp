@@ -4,6 +4,7 @@
 #include "drawing/recordingsurface.h"
 
 #include <QImage>
+#include <QPainter>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QStandardPaths>
@@ -166,6 +167,43 @@ TEST(PdfSurface, EveryPageStartsUnturnedAtItsCorner) {
   // One unit from the corner: 6 mm, 17 points.
   EXPECT_NEAR(m.captured(1).toDouble(), 17.0, 1.5);
   EXPECT_NEAR(m.captured(2).toDouble(), 17.0, 1.5);
+}
+
+// A page printed in tiles is drawn shifted; turned labels must not lose the shift.
+class ShiftedSurface : public drawing::PainterSurface {
+ public:
+  explicit ShiftedSurface(QImage& image) : PainterSurface(96.0), m_image(image) {}
+  void beginPage(int, int) override {
+    m_painter.begin(&m_image);
+    setOrigin(QPointF(-100, -50));
+    setPainter(&m_painter);
+  }
+  void endPage() override {
+    setPainter(nullptr);
+    m_painter.end();
+  }
+
+ private:
+  QImage& m_image;
+  QPainter m_painter;
+};
+
+TEST(PainterSurface, TileOriginHoldsThroughTurnedText) {
+  QImage image(400, 400, QImage::Format_RGB32);
+  image.fill(Qt::white);
+  {
+    ShiftedSurface surface(image);
+    PageEngine engine(surface);
+    engine.pSetPage(200, 200);
+    engine.pSetLayer(engine.pCreateLayer(0, 0, 0, 3, 0, QStringLiteral("Arial"), 8));
+    engine.pDrawText(12, 12, QStringLiteral("1"), 90);
+    engine.pDrawLine(10, 5, 12, 5);  // 226.8 to 272.2 px across, 113.4 down, less the shift
+    surface.endPage();
+  }
+  const QRect ink = inkOf(image.copy(0, 0, 400, 100));
+  EXPECT_NEAR(ink.left(), 227 - 100, 2);
+  EXPECT_NEAR(ink.right(), 272 - 100, 2);
+  EXPECT_NEAR(ink.center().y(), 113 - 50, 2);
 }
 
 struct LayoutCase {
