@@ -1,6 +1,10 @@
 #include "cli/cli.h"
 
+#include <QDir>
+#include <QFile>
 #include <QGuiApplication>
+
+#include <unistd.h>
 
 namespace {
 
@@ -12,10 +16,24 @@ void chooseOffscreenWithoutDisplay() {
   qputenv("QT_QPA_PLATFORM", "offscreen");
 }
 
+// A session without a runtime folder (a cron job, a container) makes Qt warn on every run; the
+// folder it would fall back to is given here, so that a script's error output holds only what
+// the command says.
+void provideRuntimeFolder() {
+  if (!qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR")) return;
+  const QString folder = QDir::tempPath() + QStringLiteral("/runtime-") +
+                         QString::number(static_cast<qulonglong>(::getuid()));
+  if (!QDir().mkpath(folder)) return;
+  QFile::setPermissions(folder,
+                        QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+  qputenv("XDG_RUNTIME_DIR", QFile::encodeName(folder));
+}
+
 }  // namespace
 
 int main(int argc, char* argv[]) {
   chooseOffscreenWithoutDisplay();
+  provideRuntimeFolder();
   QGuiApplication app(argc, argv);
   QTextStream out(stdout);
   QTextStream err(stderr);
