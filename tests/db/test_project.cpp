@@ -83,6 +83,28 @@ TEST(OpenProject, ReadingLeavesTheFileAsItWas) {
   EXPECT_EQ(contents(project.path()), before);
 }
 
+// A writer killed in the middle of a transaction leaves its journal beside the file; a reader
+// that comes next plays it back first and sees the file as it was before the transaction.
+TEST(OpenProject, ReadingAfterAKilledWriterSeesTheLastCommittedData) {
+  TempProject project;
+  const int rows = rowCount(project.create(true), QStringLiteral("Initial"));
+  const pid_t child = fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    auto writer = db::openProject(project.path());
+    writer->exec(QStringLiteral("PRAGMA cache_size=1"));  // the change reaches the file
+    writer->exec(QStringLiteral("BEGIN"));
+    writer->exec(QStringLiteral("DELETE FROM Initial"));
+    _exit(0);
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  ASSERT_TRUE(QFileInfo::exists(project.path() + QStringLiteral("-journal")));
+  auto reader = db::openProject(project.path(), db::ProjectAccess::Read);
+  EXPECT_EQ(rowCount(*reader, QStringLiteral("Initial")), rows);
+  EXPECT_TRUE(reader->isReadOnly());
+}
+
 TEST(OpenProject, AddsTheChainageIndexesToAForeignFile) {
   TempProject project;
   project.create().exec(QStringLiteral("DROP INDEX idx_Initial_SectionChainage"));
