@@ -75,6 +75,11 @@ Statement& Statement::bindMeasure(int index, std::optional<float> value) {
   return value ? bindMeasure(index, *value) : bindNull(index);
 }
 
+Statement& Statement::bindMeasureRange(int index, float value) {
+  const MeasureRange range = measureRange(value);
+  return bindDouble(index, range.low).bindDouble(index + 1, range.high);
+}
+
 Statement& Statement::bindKey(int index, std::int32_t value) { return bindInt64(index, value); }
 
 Statement& Statement::bindInt64(int index, std::int64_t value) {

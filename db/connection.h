@@ -45,6 +45,10 @@ class Statement {
   // Measures are bound through measureToDouble, so 0.1f binds as 0.1.
   Statement& bindMeasure(int index, float value);
   Statement& bindMeasure(int index, std::optional<float> value);
+  // Binds measureRange(value) to index (low) and index + 1 (high), for a lookup such as
+  // "Chainage BETWEEN ? AND ?": it finds the stored measures equal to value at single precision
+  // and keeps an index on the column in use.
+  Statement& bindMeasureRange(int index, float value);
   Statement& bindKey(int index, std::int32_t value);
   Statement& bindInt64(int index, std::int64_t value);
   Statement& bindDouble(int index, double value);

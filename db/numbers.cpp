@@ -3,6 +3,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
+#include <limits>
 
 namespace db {
 
@@ -38,6 +39,22 @@ double measureToDouble(float value) {
   double out = 0.0;
   std::from_chars(buf, buf + n, out);
   return out;
+}
+
+MeasureRange measureRange(float value) {
+  if (!std::isfinite(value)) return {value, value};
+  constexpr float kInfinity = std::numeric_limits<float>::infinity();
+  const double v = value;
+  const double below = std::nextafter(value, -kInfinity);
+  const double above = std::nextafter(value, kInfinity);
+  // Half-way to each neighbouring single, exact in a double; beyond the largest single the
+  // neighbour is as far off as the one on the other side.
+  double low = std::isfinite(below) ? (v + below) / 2 : v - (above - v) / 2;
+  double high = std::isfinite(above) ? (v + above) / 2 : v + (v - below) / 2;
+  // A double half-way between two singles narrows to the one whose last bit is even.
+  if (!std::isfinite(below) || static_cast<float>(low) != value) low = std::nextafter(low, high);
+  if (!std::isfinite(above) || static_cast<float>(high) != value) high = std::nextafter(high, low);
+  return {low, high};
 }
 
 }  // namespace db

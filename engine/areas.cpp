@@ -66,7 +66,7 @@ float interpolate(ProfilePoint a, ProfilePoint b, float x) {
 // Reads one side of the ground at the chainage into profile (distance, level), nearest first.
 void readGround(db::Statement& query, std::int32_t sectionId, float chainage, AreaSide& side) {
   StatementUse use(query);
-  use->bindKey(1, sectionId).bindMeasure(2, chainage);
+  use->bindKey(1, sectionId).bindMeasureRange(2, chainage);
   while (use->step())
     appendPoint(side.Ground, side.nGround, std::fabs(use->measure(0)), use->measure(1));
 }
@@ -78,10 +78,10 @@ bool readExecuted(EngineSession& session, AreaState& st, float chainage) {
   db::Statement& query =
       cachedStatement(st.executedRows, session.connection(),
                       QStringLiteral("SELECT Offset, [Level], Bank FROM Executed WHERE SectionID=? "
-                                     "AND Chainage=? ORDER BY Offset"),
+                                     "AND Chainage BETWEEN ? AND ? ORDER BY Offset"),
                       QStringLiteral("Reading the executed levels"));
   StatementUse use(query);
-  use->bindKey(1, session.sectionId()).bindMeasure(2, chainage);
+  use->bindKey(1, session.sectionId()).bindMeasureRange(2, chainage);
   std::vector<ProfilePoint> left;
   bool any = false;
   bool centre = false;
@@ -400,19 +400,21 @@ void computeSectionAreas(EngineSession& session, float& chainage, bool storeArea
   copyDesign(session.design().LeftDesignPoints, nLeft, st.Left);
   copyDesign(session.design().RightDesignPoints, nRight, st.Right);
 
-  readGround(cachedStatement(st.leftGround, connection,
-                             QStringLiteral("SELECT Offset, [Level] FROM Initial WHERE SectionID=? "
-                                            "AND Chainage=? AND Offset<=0 ORDER BY Offset DESC"),
-                             QStringLiteral("Reading the left ground levels")),
+  readGround(cachedStatement(
+                 st.leftGround, connection,
+                 QStringLiteral("SELECT Offset, [Level] FROM Initial WHERE SectionID=? "
+                                "AND Chainage BETWEEN ? AND ? AND Offset<=0 ORDER BY Offset DESC"),
+                 QStringLiteral("Reading the left ground levels")),
              sectionId, chainage, st.Left);
   if (st.Left.nGround == 0)
     reporter.ShowError(QStringLiteral("Chainage ") + db::floatText(chainage) +
                        QStringLiteral(": Left side data not found in Initial Levels"));
-  readGround(cachedStatement(st.rightGround, connection,
-                             QStringLiteral("SELECT Offset, [Level] FROM Initial WHERE SectionID=? "
-                                            "AND Chainage=? AND Offset>=0 ORDER BY Offset"),
-                             QStringLiteral("Reading the right ground levels")),
-             sectionId, chainage, st.Right);
+  readGround(
+      cachedStatement(st.rightGround, connection,
+                      QStringLiteral("SELECT Offset, [Level] FROM Initial WHERE SectionID=? "
+                                     "AND Chainage BETWEEN ? AND ? AND Offset>=0 ORDER BY Offset"),
+                      QStringLiteral("Reading the right ground levels")),
+      sectionId, chainage, st.Right);
   if (st.Right.nGround == 0)
     reporter.ShowError(QStringLiteral("Chainage ") + db::floatText(chainage) +
                        QStringLiteral(": Right side data not found in Initial Levels"));
@@ -463,14 +465,15 @@ void computeSectionAreas(EngineSession& session, float& chainage, bool storeArea
   st.RowCount = rows - 1;
   if (!storeAreas) return;
 
-  StatementUse update(cachedStatement(
-      st.updateAreas, connection,
-      QStringLiteral("UPDATE DesignQty SET AreaCut=?, AreaFill=? WHERE SectionID=? AND Chainage=?"),
-      QStringLiteral("Writing the areas of a chainage to DesignQty")));
+  StatementUse update(
+      cachedStatement(st.updateAreas, connection,
+                      QStringLiteral("UPDATE DesignQty SET AreaCut=?, AreaFill=? WHERE SectionID=? "
+                                     "AND Chainage BETWEEN ? AND ?"),
+                      QStringLiteral("Writing the areas of a chainage to DesignQty")));
   update->bindMeasure(1, st.Area[0])
       .bindMeasure(2, st.Area[1])
       .bindKey(3, sectionId)
-      .bindMeasure(4, chainage);
+      .bindMeasureRange(4, chainage);
   update->run();
 }
 

@@ -25,9 +25,10 @@ struct LevelRow {
 LevelRow levelRowAt(EngineSession& session, float chainage) {
   StatementUse st(cachedStatement(
       session.levels().levelAt, session.connection(),
-      QStringLiteral("SELECT [Level] FROM DesignLevels WHERE SectionID=? AND Chainage=?"),
+      QStringLiteral(
+          "SELECT [Level] FROM DesignLevels WHERE SectionID=? AND Chainage BETWEEN ? AND ?"),
       QStringLiteral("Reading the design level")));
-  st->bindKey(1, session.sectionId()).bindMeasure(2, chainage);
+  st->bindKey(1, session.sectionId()).bindMeasureRange(2, chainage);
   LevelRow row;
   if (st->step()) {
     row.found = true;
@@ -36,11 +37,13 @@ LevelRow levelRowAt(EngineSession& session, float chainage) {
   return row;
 }
 
+// The nearest stored chainage beyond bound, one end of the doubles of a chainage's single, so
+// that a stored chainage equal to it as a single is never its own neighbour.
 std::optional<float> neighbour(EngineSession& session, db::Statement& slot, const QString& sql,
-                               float chainage) {
+                               double bound) {
   StatementUse st(cachedStatement(slot, session.connection(), sql,
                                   QStringLiteral("Finding the neighbouring design levels")));
-  st->bindKey(1, session.sectionId()).bindMeasure(2, chainage);
+  st->bindKey(1, session.sectionId()).bindDouble(2, bound);
   if (!st->step()) return std::nullopt;
   return st->optionalMeasure(0);
 }
@@ -80,7 +83,7 @@ float DesignLevelAt(EngineSession& session, float chainage, bool& interpolated, 
   const auto lower = neighbour(
       session, c.lowerChainage,
       QStringLiteral("SELECT max(Chainage) FROM DesignLevels WHERE SectionID=? AND Chainage<?"),
-      chainage);
+      db::measureRange(chainage).low);
   if (!lower) {
     if (!quiet)
       reporter.ShowError(chainageLine(
@@ -98,7 +101,7 @@ float DesignLevelAt(EngineSession& session, float chainage, bool& interpolated, 
   const auto upper = neighbour(
       session, c.upperChainage,
       QStringLiteral("SELECT min(Chainage) FROM DesignLevels WHERE SectionID=? AND Chainage>?"),
-      chainage);
+      db::measureRange(chainage).high);
   // Beyond the last design level the last level is held flat.
   if (!upper) return c.LowerLevel;
   c.UpperChainage = *upper;

@@ -92,7 +92,7 @@ bool loadDetails(EngineSession& session, float chainage) {
         d.detailsAtOrBefore, connection,
         QStringLiteral("Select max(Chainage) FROM DesignDetails WHERE SectionID=? AND Chainage<=?"),
         QStringLiteral("Finding the design details in force")));
-    st->bindKey(1, section).bindMeasure(2, chainage);
+    st->bindKey(1, section).bindDouble(2, db::measureRange(chainage).high);
     if (auto at = aggregate(*st)) d.DetailsChainage = *at;
   }
   {
@@ -100,7 +100,7 @@ bool loadDetails(EngineSession& session, float chainage) {
         d.detailsAfter, connection,
         QStringLiteral("Select min(Chainage) FROM DesignDetails WHERE SectionID=? AND Chainage>?"),
         QStringLiteral("Finding the next design details")));
-    st->bindKey(1, section).bindMeasure(2, chainage);
+    st->bindKey(1, section).bindDouble(2, db::measureRange(chainage).high);
     if (auto next = aggregate(*st)) d.NextDetailsChainage = *next;
   }
   if (d.DetailsChainage == -1 && d.NextDetailsChainage == -1) {
@@ -144,9 +144,10 @@ bool loadDetails(EngineSession& session, float chainage) {
   {
     StatementUse st(cachedStatement(
         d.detailsRow, connection,
-        QStringLiteral("SELECT * FROM DesignDetails WHERE SectionID=? AND Chainage=?"),
+        QStringLiteral(
+            "SELECT * FROM DesignDetails WHERE SectionID=? AND Chainage BETWEEN ? AND ?"),
         QStringLiteral("Reading the design details")));
-    st->bindKey(1, section).bindMeasure(2, d.DetailsChainage);
+    st->bindKey(1, section).bindMeasureRange(2, d.DetailsChainage);
     if (st->step()) {
       for (int i = 0; i < st->columnCount(); ++i) {
         const QString name = st->columnName(i);

@@ -1,6 +1,7 @@
 #include "engine/initialorder.h"
 
 #include "db/connection.h"
+#include "db/numbers.h"
 #include "engine/session.h"
 #include "engine/validation.h"
 
@@ -75,7 +76,7 @@ void FormatInitialTable(EngineSession& session) {
                          QStringLiteral("Filling the chainage of an Initial row"));
   db::Statement negate = connection.prepare(
       QStringLiteral("UPDATE Initial SET Offset=-Offset WHERE ID < ? AND Offset > 0 AND "
-                     "Chainage=? AND SectionID=?"),
+                     "Chainage BETWEEN ? AND ? AND SectionID=?"),
       QStringLiteral("Turning the left-side offsets negative"));
 
   // Carried across sections: a section whose first reading has no chainage takes the last one
@@ -91,11 +92,12 @@ void FormatInitialTable(EngineSession& session) {
       }
       if (row.centreLine) {
         negate.reset();
-        negate.bindInt64(1, row.id).bindDouble(2, lastChainage);
+        // The readings of the chainage, compared as singles like every chainage lookup.
+        negate.bindInt64(1, row.id).bindMeasureRange(2, db::doubleToMeasure(lastChainage));
         if (row.sectionId)
-          negate.bindInt64(3, *row.sectionId);
+          negate.bindInt64(4, *row.sectionId);
         else
-          negate.bindNull(3);
+          negate.bindNull(4);
         negate.run();
       }
     }

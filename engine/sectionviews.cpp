@@ -1,5 +1,6 @@
 #include "engine/sectionviews.h"
 
+#include "db/numbers.h"
 #include "engine/designlevels.h"
 #include "engine/designsection.h"
 #include "engine/session.h"
@@ -107,9 +108,14 @@ LongProfile computeLongProfile(EngineSession& session, float from, float to, boo
   p.fromChainage = from;
   p.toChainage = to;
 
+  // Chainages from and to are compared as singles, so the range takes in every double of
+  // theirs; ?4 and ?5 hold those of offset 0, the centre line.
   auto rangeQuery = [&](const QString& sql, const QString& what) {
     db::Statement st = c.prepare(sql, what);
-    st.bindMeasure(1, from).bindMeasure(2, to).bindKey(3, section);
+    st.bindDouble(1, db::measureRange(from).low)
+        .bindDouble(2, db::measureRange(to).high)
+        .bindKey(3, section);
+    if (sql.contains(QLatin1String("?4"))) st.bindMeasureRange(4, 0.0f);
     return st;
   };
   const QString range = QStringLiteral(" WHERE Chainage>=? AND Chainage<=? AND SectionID=?");
@@ -141,8 +147,8 @@ LongProfile computeLongProfile(EngineSession& session, float from, float to, boo
       if (it != rowOf.end() && !st.isNull(1)) p.rows[it->second].*value = st.measure(1);
     }
   };
-  fill(rangeQuery(QStringLiteral("SELECT Chainage, [Level] FROM Initial") + range +
-                      QStringLiteral(" AND Offset=0"),
+  const QString onCentreLine = QStringLiteral(" AND Offset BETWEEN ?4 AND ?5");
+  fill(rangeQuery(QStringLiteral("SELECT Chainage, [Level] FROM Initial") + range + onCentreLine,
                   QStringLiteral("Reading the centre-line ground levels")),
        &LongProfileRow::centreGround);
   const QString outermost = QStringLiteral(
@@ -157,7 +163,7 @@ LongProfile computeLongProfile(EngineSession& session, float from, float to, boo
        &LongProfileRow::rightGround);
   if (withExecuted)
     fill(rangeQuery(QStringLiteral("SELECT Chainage, coalesce([Level], Bank) FROM Executed") +
-                        range + QStringLiteral(" AND Offset=0"),
+                        range + onCentreLine,
                     QStringLiteral("Reading the centre-line executed levels")),
          &LongProfileRow::finalLevel);
 

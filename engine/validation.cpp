@@ -44,8 +44,8 @@ bool ValidateLevels(EngineSession& session, float chainage) {
   db::Connection& connection = session.connection();
   Reporter& reporter = session.reporter();
   const bool wholeSection = chainage == -1;
-  const QString filter =
-      wholeSection ? QStringLiteral(" ORDER BY Chainage") : QStringLiteral(" AND Chainage=?");
+  const QString filter = wholeSection ? QStringLiteral(" ORDER BY Chainage")
+                                      : QStringLiteral(" AND Chainage BETWEEN ? AND ?");
   const QString lowest = QString::number(kMinLevel);
   const QString highest = QString::number(kMaxLevel);
   bool bad = false;
@@ -63,7 +63,7 @@ bool ValidateLevels(EngineSession& session, float chainage) {
     StatementUse st(cachedStatement(wholeSection ? state.initialAll : state.initialAt, connection,
                                     sql, QStringLiteral("Checking the initial levels")));
     st->bindKey(1, session.sectionId());
-    if (!wholeSection) st->bindMeasure(2, chainage);
+    if (!wholeSection) st->bindMeasureRange(2, chainage);
     while (st->step()) {
       if (within(*st, 1, -kMaxGroundOffset, kMaxGroundOffset) &&
           within(*st, 2, kMinLevel, kMaxLevel))
@@ -86,7 +86,7 @@ bool ValidateLevels(EngineSession& session, float chainage) {
     StatementUse st(cachedStatement(wholeSection ? state.designAll : state.designAt, connection,
                                     sql, QStringLiteral("Checking the design levels")));
     st->bindKey(1, session.sectionId());
-    if (!wholeSection) st->bindMeasure(2, chainage);
+    if (!wholeSection) st->bindMeasureRange(2, chainage);
     while (st->step()) {
       if (within(*st, 1, kMinLevel, kMaxLevel)) continue;
       bad = true;

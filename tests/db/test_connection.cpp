@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <limits>
 #include <optional>
 
 using testsupport::TempProject;
@@ -39,6 +41,42 @@ TEST(Numbers, MeasureBindsAsItsDecimalText) {
   EXPECT_EQ(db::measureToDouble(0.02f), 0.02);
   EXPECT_EQ(db::measureToDouble(4.98f), 4.98);
   EXPECT_NE(static_cast<double>(0.1f), 0.1);  // the reason the helper exists
+}
+
+// Every double of the range narrows to the single, and the next double out on either side does
+// not, wherever the single lies: ties between two singles go to the even one.
+TEST(Numbers, MeasureRangeHoldsExactlyTheDoublesOfTheSingle) {
+  constexpr float kMax = std::numeric_limits<float>::max();
+  constexpr double kHuge = std::numeric_limits<double>::max();
+  for (float value : {0.1f, 12.4f, 0.0f, -3.25f, 1e-7f, 16777216.0f, 16777218.0f, kMax, -kMax,
+                      std::numeric_limits<float>::denorm_min()}) {
+    const db::MeasureRange range = db::measureRange(value);
+    EXPECT_EQ(static_cast<float>(range.low), value) << value;
+    EXPECT_EQ(static_cast<float>(range.high), value) << value;
+    const double below = std::nextafter(range.low, -kHuge);
+    const double above = std::nextafter(range.high, kHuge);
+    if (value != -kMax) {
+      EXPECT_NE(static_cast<float>(below), value) << value;
+    }
+    if (value != kMax) {
+      EXPECT_NE(static_cast<float>(above), value) << value;
+    }
+  }
+}
+
+// Another program writes the double nearest to its own arithmetic, not the single's text.
+TEST(Numbers, MeasureRangeFindsAChainageAnotherProgramWrote) {
+  TempProject project;
+  db::Connection& c = project.create();
+  c.exec(
+      QStringLiteral("INSERT INTO Initial (Chainage, SectionID) VALUES (12.39999999999999, 1), "
+                     "(12.4000001, 1), (12.3999987, 1)"));
+  db::Statement st = c.prepare(QStringLiteral(
+      "SELECT Chainage FROM Initial WHERE SectionID=1 AND Chainage BETWEEN ? AND ?"));
+  st.bindMeasureRange(1, 12.4f);
+  ASSERT_TRUE(st.step());
+  EXPECT_EQ(st.real(0), 12.39999999999999);
+  EXPECT_FALSE(st.step());  // the neighbouring singles are other chainages
 }
 
 TEST(Numbers, ChainageWrittenByProgramIsFoundAgain) {

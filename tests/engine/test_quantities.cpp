@@ -3,10 +3,14 @@
 #include "db/project.h"
 #include "engine/areas.h"
 #include "engine/designsection.h"
+#include "engine/sectionviews.h"
 #include "engine/session.h"
 #include "tests/engine/areafixture.h"
 
 #include <gtest/gtest.h>
+
+#include <cstring>
+#include <vector>
 
 namespace {
 
@@ -229,6 +233,69 @@ TEST(DemoAreas, BedIsInCutAndBanksAreInFill) {
     EXPECT_GE(bedInCut, count * 9 / 10) << "section " << section;
     EXPECT_GE(banksInFill, count * 9 / 10) << "section " << section;
   }
+  EXPECT_TRUE(reporter.errors.isEmpty()) << reporter.errors.join(QLatin1Char('\n')).toStdString();
+}
+
+// Another program writes a chainage as the double its own arithmetic gives (12.39999999999999
+// for 12.4), and not always the same one in every table. Each lookup compares chainages as
+// singles, so the run gives the areas and totals of the file as the program wrote it.
+TEST(DemoAreas, ChainagesWrittenByAnotherProgramGiveTheSameQuantities) {
+  testsupport::TempProject project;
+  db::Connection& c = project.create(true);
+  c.exec(QStringLiteral("PRAGMA synchronous=OFF"));
+  engine::RecordingReporter reporter;
+  engine::EngineSession session(c, reporter);
+  ASSERT_FALSE(session.LoadDesignProfile());
+  session.setSection(2);
+  const auto quantities = [&session] {
+    MemoryReportGrid grid;
+    ComputeQuantities(session, &grid, -1.0f);
+    return gridRows(grid, 0, 4);
+  };
+  // The longitudinal section from the first to the last chainage, its levels as text.
+  const auto longSection = [&session] {
+    const std::vector<float> chainages = engine::quantityChainages(session);
+    const engine::LongProfile p =
+        engine::computeLongProfile(session, chainages.front(), chainages.back(), true);
+    const auto text = [](std::optional<float> level) {
+      return level ? db::floatText(*level) : QStringLiteral("-");
+    };
+    QStringList rows{text(p.lowest) + QLatin1Char(' ') + text(p.highest)};
+    for (const engine::LongProfileRow& r : p.rows)
+      rows << QStringList{db::floatText(r.chainage), text(r.leftGround),  text(r.centreGround),
+                          text(r.rightGround),       text(r.designLevel), text(r.finalLevel)}
+                  .join(QLatin1Char(' '));
+    return rows.join(QLatin1Char('\n')).toStdString();
+  };
+  const QStringList written = quantities();
+  ASSERT_GT(written.size(), 100);
+  const std::string writtenLongSection = longSection();
+
+  // Every chainage moves to one end or the other of the doubles of its single.
+  for (const char* table : {"Initial", "DesignLevels", "DesignDetails", "DesignQty", "Executed"}) {
+    const bool low = std::strlen(table) % 2 == 0;
+    std::vector<float> chainages;
+    db::Statement read =
+        c.prepare(QStringLiteral("SELECT DISTINCT Chainage FROM %1 WHERE SectionID=2").arg(table));
+    while (read.step()) chainages.push_back(read.measure(0));
+    db::Statement move = c.prepare(
+        QStringLiteral("UPDATE %1 SET Chainage=? WHERE SectionID=2 AND Chainage=?").arg(table));
+    for (float chainage : chainages) {
+      const db::MeasureRange range = db::measureRange(chainage);
+      move.reset();
+      move.bindDouble(1, low ? range.low : range.high).bindMeasure(2, chainage).run();
+    }
+  }
+  ASSERT_EQ(c.scalar(QStringLiteral("SELECT count(*) FROM Initial WHERE SectionID=2 AND "
+                                    "Chainage IN (SELECT Chainage FROM DesignLevels)")),
+            0.0);
+  session.levelDataChanged();
+  const QStringList moved = quantities();
+  ASSERT_EQ(moved.size(), written.size());
+  EXPECT_EQ(moved.back().toStdString(), written.back().toStdString());  // the totals
+  for (qsizetype row = 0; row < moved.size(); ++row)
+    EXPECT_EQ(moved[row].toStdString(), written[row].toStdString()) << "row " << row;
+  EXPECT_EQ(longSection(), writtenLongSection);
   EXPECT_TRUE(reporter.errors.isEmpty()) << reporter.errors.join(QLatin1Char('\n')).toStdString();
 }
 
