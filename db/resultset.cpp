@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <optional>
 
 namespace db {
@@ -294,15 +295,23 @@ void ResultSet::updateRow(int row) {
       bindings.push_back({c, QVariant()});
       continue;
     }
+    const auto refuse = [&](const QString& holds) {
+      return Error(QStringLiteral("The column ") + column.name + QStringLiteral(" of ") + m_table +
+                   QStringLiteral(" holds ") + holds + QStringLiteral(", not \"") + text +
+                   QStringLiteral("\"."));
+    };
     const std::optional<double> number = parseNumber(text);
-    if (!number)
-      throw Error(QStringLiteral("The column ") + column.name + QStringLiteral(" of ") + m_table +
-                  QStringLiteral(" holds numbers, not \"") + text + QStringLiteral("\"."));
+    if (!number) throw refuse(QStringLiteral("numbers"));
     if (isIntegerType(column.declaredType) && *number == std::floor(*number) &&
-        std::fabs(*number) < 9e15)
+        std::fabs(*number) < 9e15) {
       bindings.push_back({c, QVariant(static_cast<qint64>(*number))});
-    else
-      bindings.push_back({c, QVariant(static_cast<float>(*number))});
+      continue;
+    }
+    // A single beyond its range is infinite, which no measure may be.
+    if (std::fabs(*number) > std::numeric_limits<float>::max())
+      throw refuse(QStringLiteral("numbers from -") + floatText(std::numeric_limits<float>::max()) +
+                   QStringLiteral(" to ") + floatText(std::numeric_limits<float>::max()));
+    bindings.push_back({c, QVariant(static_cast<float>(*number))});
   }
 
   QString sql = QStringLiteral("UPDATE ") + quoteName(m_table) + QStringLiteral(" SET ");

@@ -101,20 +101,27 @@ TEST_F(ResultSetTest, CellsAreWrittenAsTheirSingleTextOrNull) {
   EXPECT_TRUE(set.isNull(1, 2));
 }
 
+// Text, and numbers a single cannot hold (not finite, or beyond its range), are refused alike.
 TEST_F(ResultSetTest, TextInNumberColumnIsRejectedNamingColumnAndText) {
-  set.setText(2, 1, QStringLiteral("abc"));
-  set.setText(2, 2, QStringLiteral("101"));
-  try {
-    set.updateRow(2);
-    FAIL() << "text in a numeric column was written";
-  } catch (const db::Error& e) {
-    EXPECT_TRUE(e.message().contains(QStringLiteral("Offset"))) << e.what();
-    EXPECT_TRUE(e.message().contains(QStringLiteral("\"abc\""))) << e.what();
+  for (const char* refused : {"abc", "nan", "inf", "1e39", "-1e39"}) {
+    const QString text = QString::fromLatin1(refused);
+    set.setText(2, 1, text);
+    set.setText(2, 2, QStringLiteral("101"));
+    try {
+      set.updateRow(2);
+      FAIL() << refused << " was written to a single column";
+    } catch (const db::Error& e) {
+      EXPECT_TRUE(e.message().startsWith(QStringLiteral("The column Offset of Initial holds ")))
+          << e.what();
+      EXPECT_TRUE(e.message().endsWith(QLatin1Char('"') + text + QStringLiteral("\".")))
+          << e.what();
+    }
+    // Nothing was written, and the edits are still there to be corrected.
+    EXPECT_EQ(stored(QStringLiteral("Offset"), 3), 10.0) << refused;
+    EXPECT_EQ(stored(QStringLiteral("Level"), 3), 100.75);
+    EXPECT_TRUE(set.isChanged(2, 1));
+    EXPECT_EQ(set.text(2, 1), text);
   }
-  // Nothing was written, and the edits are still there to be corrected.
-  EXPECT_EQ(stored(QStringLiteral("Level"), 3), 100.75);
-  EXPECT_TRUE(set.isChanged(2, 1));
-  EXPECT_EQ(set.text(2, 1), QStringLiteral("abc"));
   set.setText(2, 1, QStringLiteral("12.5"));
   set.updateRow(2);
   EXPECT_EQ(stored(QStringLiteral("Offset"), 3), 12.5);
