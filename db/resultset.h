@@ -62,6 +62,8 @@ class ResultSet {
   void setText(int row, int column, const QString& text);
   bool isChanged(int row, int column) const;
   bool rowChanged(int row) const;
+  // Whether any row, visible or filtered out, holds edits not yet written.
+  bool anyRowChanged() const { return !m_changed.empty(); }
 
   // The row's key (its ID column as read), 0 when the query has no ID column.
   std::int64_t id(int row) const;

@@ -202,7 +202,8 @@ bool frmDataGrid::writeRows(int onlyRow) {
                              QString::number(row + 1));
     return false;
   }
-  m_dirty = false;
+  // Writing one row leaves the edits of any other row, such as one refused before, unsaved.
+  m_dirty = m_resultSet->anyRowChanged();
   m_grid->Refresh();
   // Saved levels, chainages or details change what the engine computes next.
   static const QStringList kLevelSheets = {QStringLiteral("Initial"), QStringLiteral("Executed"),
@@ -223,7 +224,7 @@ void frmDataGrid::cellsChanged() {
 
 void frmDataGrid::rowEdited(int row) {
   if (m_context.isAutoSave()) {
-    if (writeRows(row)) m_dirty = false;
+    writeRows(row);
   } else {
     m_dirty = true;
   }

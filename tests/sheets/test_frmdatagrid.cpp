@@ -156,6 +156,38 @@ class TestFrmDataGrid : public QObject {
     }
   }
 
+  // With AutoSave on, a typed value the table refuses is reported and stays in its cell, and the
+  // sheet stays dirty when the cursor moves on: closing it asks, as for any unsaved edit.
+  void refusedEntryKeepsTheSheetDirty_data() {
+    QTest::addColumn<QString>("typed");
+    QTest::newRow("text") << "abc";
+    QTest::newRow("decimal comma") << "152,5";
+    QTest::newRow("beyond a single") << "1e39";
+  }
+  void refusedEntryKeepsTheSheetDirty() {
+    QFETCH(QString, typed);
+    SheetsFixture fixture(false);
+    fixture.autoSave = true;
+    fixture.writeInitialRows(3);
+    auto sheet = fixture.openSheet();
+    sheet->show();
+    GridControl& grid = sheet->grid();
+    grid.SetCurrentCell(0, kLevelCol);
+    QTest::keyClick(grid.cellArea()->parentWidget(), typed.front().toLatin1());
+    QTest::keyClicks(grid.editor(), typed.mid(1));
+    QTest::keyClick(grid.editor(), Qt::Key_Return);
+
+    QCOMPARE(grid.Row(), 1);
+    QCOMPARE(fixture.messages.size(), 1);
+    QVERIFY2(fixture.messages.front().text.contains(typed), qPrintable(fixture.messages[0].text));
+    QCOMPARE(fixture.initialAt(0), 100.0);
+    QCOMPARE(grid.Text(0, kLevelCol), typed);
+    QVERIFY(sheet->isDirty());
+    fixture.answers = {MessageAnswer::Cancel};
+    QVERIFY(!sheet->close());
+    QCOMPARE(fixture.messages.back().title, QStringLiteral("Save Changes"));
+  }
+
   // Every case starts from the filter [Offset] < '4' (four rows); a rejected filter keeps it.
   void filterData_data() {
     QTest::addColumn<QString>("expression");
