@@ -349,6 +349,12 @@ void ResultSet::updateRow(int row) {
   }
   statement.bindInt64(index, key);
   statement.run();
+  // An UPDATE that finds no row succeeds; the edit must not pass for written.
+  if (m_connection->changes() == 0)
+    throw Error(QStringLiteral("The row with ID ") + QString::number(key) + QStringLiteral(" of ") +
+                m_table +
+                QStringLiteral(" is no longer in the project file; it was deleted after the sheet "
+                               "was opened."));
 
   // Keep the cells as the table now holds them.
   for (const Binding& b : bindings) {

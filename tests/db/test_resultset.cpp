@@ -128,6 +128,21 @@ TEST_F(ResultSetTest, TextInNumberColumnIsRejectedNamingColumnAndText) {
   EXPECT_EQ(stored(QStringLiteral("Level"), 3), 101.0);
 }
 
+// Another program (or a deleted section's clean-up) removed the record behind the set: writing
+// it must not pass for a save.
+TEST_F(ResultSetTest, UpdateOfARecordThatIsGoneFailsAndKeepsTheEdit) {
+  project.connection().exec(QStringLiteral("DELETE FROM Initial WHERE ID=2"));
+  set.setText(1, 2, QStringLiteral("88"));
+  try {
+    set.updateRow(1);
+    FAIL() << "an edit of a deleted record passed for written";
+  } catch (const db::Error& e) {
+    EXPECT_TRUE(e.message().contains(QStringLiteral("ID 2"))) << e.what();
+  }
+  EXPECT_TRUE(set.rowChanged(1));
+  EXPECT_EQ(set.text(1, 2), QStringLiteral("88"));
+}
+
 TEST_F(ResultSetTest, RequeryDropsEditsAndReadsNewRows) {
   set.setText(0, 0, QStringLiteral("9"));
   project.connection().exec(QStringLiteral(
