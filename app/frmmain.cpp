@@ -822,6 +822,7 @@ bool frmMain::exportQuantitySheet(const QString& path) {
     case engine::QuantityExportResult::Status::Written:
       return true;
     case engine::QuantityExportResult::Status::StoppedByInvalidLevels:
+    case engine::QuantityExportResult::Status::Cancelled:
       return false;
     case engine::QuantityExportResult::Status::CannotWrite:
       message(result.message, sheets::MessageIcon::Critical);

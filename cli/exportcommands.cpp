@@ -62,6 +62,9 @@ int exportQuantity(Context& context) {
                     << " has levels that are missing or out of range; the lines above name "
                        "them.\n";
         return kDataProblems;
+      case engine::QuantityExportResult::Status::Cancelled:  // the console never cancels
+        context.err << "Nothing was exported: the run was cancelled.\n";
+        return kDataProblems;
       case engine::QuantityExportResult::Status::CannotWrite:
         context.err << result.message << "\n";
         return kCannotOpen;

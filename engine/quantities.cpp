@@ -4,6 +4,7 @@
 #include "engine/areas.h"
 #include "engine/designsection.h"
 #include "engine/numberformat.h"
+#include "engine/progress.h"
 #include "engine/session.h"
 #include "engine/statementcache.h"
 #include "engine/validation.h"
@@ -68,6 +69,7 @@ void ComputeQuantities(EngineSession& session, ReportGrid* sheet, float chainage
   run.TotalCutVolume = 0.0f;
   run.TotalFillVolume = 0.0f;
   run.Computed = false;
+  run.Cancelled = false;
   run.RowCount = 0;
   session.areas().ReportedColumns.clear();
 
@@ -86,7 +88,11 @@ void ComputeQuantities(EngineSession& session, ReportGrid* sheet, float chainage
   if (ValidateLevels(session, -1.0f)) return;
   run.Computed = true;
 
-  if (sheet) reporter.progressStart(QStringLiteral("Quantity..."), n, true);
+  std::optional<ProgressScope> progress;
+  if (sheet) {
+    reporter.progressStart(QStringLiteral("Quantity..."), n, true);
+    progress.emplace(reporter);
+  }
 
   // One transaction for the whole run: the areas of every chainage are written at once.
   db::Savepoint writes(connection, QStringLiteral("quantity_run"));
@@ -146,13 +152,25 @@ void ComputeQuantities(EngineSession& session, ReportGrid* sheet, float chainage
       ++row;
       if (sheet) sheet->SetRowCount(row + 1);
       reporter.processEvents();
+      if (reporter.cancelled()) {
+        run.Cancelled = true;
+        break;
+      }
     }
   }
   writes.release();
   run.RowCount = row;
+  progress.reset();
+
+  if (run.Cancelled) {
+    reporter.statusText(1, QStringLiteral("Quantity run cancelled after %1 of %2 chainages.")
+                               .arg(formatNumber(row, 0, symbols), formatNumber(n, 0, symbols)));
+    reporter.statusText(2, QString());
+    reporter.statusText(3, QString());
+    return;
+  }
 
   if (sheet) {
-    reporter.progressEnd();
     ensureRow(*sheet, row);
     sheet->setText(row, 3, formatNumber(run.TotalCutVolume, 2, symbols));
     sheet->setText(row, 4, formatNumber(run.TotalFillVolume, 2, symbols));

@@ -31,6 +31,9 @@ struct QuantityRunState {
   int RowCount = 0;  // rows the last run walked
   // A run is under way: the events it lets through must not start another one over it.
   bool Running = false;
+  // The user stopped the last run between two chainages: its rows and totals cover only the
+  // chainages before the stop, and the areas computed until then are kept.
+  bool Cancelled = false;
 
   // Prepared on first use.
   db::Statement countRows;
@@ -48,7 +51,9 @@ QStringList AreaCalculationHeaders();
 // the stored areas (null as 0) for the others. sheet, when given, receives the Quantity
 // Summary row by row and a bold totals row; onRow, when given, receives every row as numbers.
 // Totals end in session.quantityRun(); progress and the status-bar totals go through the
-// session's reporter. Stops before changing anything when the level data are invalid.
+// session's reporter. Stops before changing anything when the level data are invalid, and
+// between two chainages when the reporter says the user cancelled (no totals row then). The
+// progress window is closed however the run ends.
 void ComputeQuantities(EngineSession& session, ReportGrid* sheet, float chainage = -1.0f,
                        const std::function<void(const QuantityRow&)>& onRow = {});
 

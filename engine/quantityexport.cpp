@@ -210,7 +210,7 @@ std::optional<QuantitySheet> CollectQuantitySheet(EngineSession& session) {
   ComputeQuantities(session, &grid, -1.0f,
                     [&sheet](const QuantityRow& row) { sheet.Rows.push_back(row); });
   const QuantityRunState& run = session.quantityRun();
-  if (!run.Computed) return std::nullopt;
+  if (!run.Computed || run.Cancelled) return std::nullopt;
   sheet.TotalCutVolume = run.TotalCutVolume;
   sheet.TotalFillVolume = run.TotalFillVolume;
   sheet.Date = QDate::currentDate();
@@ -285,7 +285,9 @@ QuantityExportResult ExportQuantitySheet(EngineSession& session, const QString& 
   }
   const std::optional<QuantitySheet> sheet = CollectQuantitySheet(session);
   if (!sheet) {
-    result.status = QuantityExportResult::Status::StoppedByInvalidLevels;
+    result.status = session.quantityRun().Cancelled
+                        ? QuantityExportResult::Status::Cancelled
+                        : QuantityExportResult::Status::StoppedByInvalidLevels;
     return result;
   }
   result.rowCount = static_cast<int>(sheet->Rows.size());

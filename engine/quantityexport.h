@@ -38,7 +38,8 @@ struct QuantitySheet {
 
 // Computes every chainage of the session's current section as the Quantity Summary does
 // (progress and status-bar totals go through the session's reporter) and collects the rows.
-// nullopt when invalid level data stopped the run; the error list names the bad rows.
+// nullopt when invalid level data stopped the run (the error list names the bad rows) or the
+// user cancelled it.
 // Throws db::Error when the project cannot be read.
 std::optional<QuantitySheet> CollectQuantitySheet(EngineSession& session);
 
@@ -57,9 +58,9 @@ QString WriteQuantitySheet(const QuantitySheet& sheet, const QString& path,
                            QuantitySheetFormat format);
 
 // The whole export of the current section: collect, then write. Nothing is written when invalid
-// level data stop the run.
+// level data stop the run or the user cancels it.
 struct QuantityExportResult {
-  enum class Status { Written, StoppedByInvalidLevels, CannotWrite };
+  enum class Status { Written, StoppedByInvalidLevels, Cancelled, CannotWrite };
   Status status = Status::Written;
   QString message;  // CannotWrite: the file and the reason
   int rowCount = 0;

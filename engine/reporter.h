@@ -26,6 +26,9 @@ class Reporter {
   virtual void statusText(int panel, const QString& text) = 0;
   // Called once per chainage of a long run so that the user interface stays alive.
   virtual void processEvents() {}
+  // Whether the user asked the run under way to stop. A run asks once per chainage, after
+  // processEvents, and stops between two chainages.
+  virtual bool cancelled() const { return false; }
 };
 
 // Collects everything; for tests and for callers that decide later what to show.

@@ -152,6 +152,40 @@ TEST(QuantityRun, EventsDuringARunDoNotStartAnotherOverIt) {
   EXPECT_GT(session.quantityRun().TotalCutVolume, 0.0f);
 }
 
+// A reporter whose user clicks Cancel while the run lets through the events of a chainage.
+class CancellingReporter : public engine::RecordingReporter {
+ public:
+  void processEvents() override { ++calls; }
+  bool cancelled() const override { return calls == cancelAt; }
+  int calls = 0;
+  int cancelAt = 0;
+};
+
+TEST(QuantityRun, CancelStopsBetweenChainagesWithoutTotals) {
+  testsupport::TempProject project;
+  db::Connection& c = project.create(true);
+  CancellingReporter reporter;
+  engine::EngineSession session(c, reporter);
+  ASSERT_FALSE(session.LoadDesignProfile());
+  session.setSection(2);
+  reporter.cancelAt = 3;
+  std::vector<QuantityRow> rows;
+  MemoryReportGrid grid;
+  ComputeQuantities(session, &grid, -1.0f,
+                    [&rows](const QuantityRow& row) { rows.push_back(row); });
+  EXPECT_EQ(rows.size(), 3u);
+  EXPECT_TRUE(session.quantityRun().Cancelled);
+  EXPECT_EQ(session.quantityRun().RowCount, 3);
+  EXPECT_FALSE(grid.bold(3, 3));
+  EXPECT_EQ(reporter.status.first(), "1:Quantity run cancelled after 3 of 151 chainages.");
+
+  reporter.calls = 0;
+  reporter.cancelAt = -1;
+  ComputeQuantities(session, nullptr, -1.0f);
+  EXPECT_FALSE(session.quantityRun().Cancelled);
+  EXPECT_EQ(session.quantityRun().RowCount, 151);
+}
+
 // A full run computes and stores every chainage, and first brings the quantity chainages in
 // line with Initial: a new survey gets its row.
 TEST_F(QuantitiesTest, FullRunSyncsTheChainagesThenComputesAndStoresEach) {
