@@ -14,6 +14,7 @@
 #include "db/connection.h"
 #include "db/schema.h"
 #include "engine/initialorder.h"
+#include "engine/progress.h"
 #include "engine/quantityexport.h"
 #include "engine/session.h"
 #include "sheets/dlgsearchwindow.h"
@@ -604,6 +605,7 @@ void frmMain::editAdd() {
   sheets::frmDataGrid* sheet = activeDataSheet();
   if (!sheet || !m_state.cnProject) return;
   db::Connection& connection = *m_state.cnProject;
+  engine::Reporter* reporter = m_state.engine ? &m_state.engine->reporter() : nullptr;
   const QString name = sheet->strCurrentDataSheet;
   try {
     if (name == QLatin1String("DesignDetails") || name == QLatin1String("DesignLevels") ||
@@ -613,7 +615,9 @@ void frmMain::editAdd() {
                                QStringLiteral("Number of records to add ?"), QStringLiteral("1")));
       if (!count) return;
       sheet->SaveBeforeAdd();
-      for (int n = *count; n >= 1; --n) db::AddSectionRow(connection, name, m_state.lngSectionID);
+      engine::DelayedProgress progress(reporter, QStringLiteral("Adding records..."), *count);
+      db::AddSectionRows(connection, name, m_state.lngSectionID, *count,
+                         [&progress](int done) { progress.step(done); });
       sheet->RefreshData();
       if (m_state.engine && name != QLatin1String("Outlets")) m_state.engine->levelDataChanged();
     } else if (name == QLatin1String("Initial") || name == QLatin1String("Executed")) {
@@ -625,8 +629,9 @@ void frmMain::editAdd() {
           leadingNumber(input(title, QStringLiteral("Chainage ?"), QStringLiteral("0")));
       if (!chainage) return;
       sheet->SaveBeforeAdd();
-      for (int n = *count; n >= 1; --n)
-        db::AddLevelRow(connection, name, m_state.lngSectionID, *chainage);
+      engine::DelayedProgress progress(reporter, QStringLiteral("Adding records..."), *count);
+      db::AddLevelRows(connection, name, m_state.lngSectionID, *chainage, *count,
+                       [&progress](int done) { progress.step(done); });
       sheet->RefreshData();
       if (m_state.engine) m_state.engine->levelDataChanged();
     } else if (name == QLatin1String("Package")) {

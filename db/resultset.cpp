@@ -367,25 +367,46 @@ void ResultSet::updateRow(int row) {
   m_changed.erase(rec);
 }
 
-void ResultSet::deleteRow(int row) {
-  if (row < 0 || row >= rowCount()) return;
+void ResultSet::deleteRow(int row) { deleteRows({row}); }
+
+void ResultSet::deleteRows(std::vector<int> rows, const std::function<void(int done)>& onRecord) {
+  std::erase_if(rows, [this](int row) { return row < 0 || row >= rowCount(); });
+  if (rows.empty()) return;
   if (m_table.isEmpty() || m_idColumn < 0)
     throw Error(QStringLiteral("The rows of \"") + m_sql +
                 QStringLiteral("\" cannot be deleted: the query reads no table by ID."));
-  const int rec = record(row);
-  const std::int64_t key = m_ids[static_cast<std::size_t>(rec)];
-  m_connection
-      ->prepare(QStringLiteral("DELETE FROM ") + quoteName(m_table) + QStringLiteral(" WHERE ") +
-                    quoteName(m_columns[static_cast<std::size_t>(m_idColumn)].name) +
-                    QStringLiteral("=?"),
-                QStringLiteral("Deleting the row with ID ") + QString::number(key) +
-                    QStringLiteral(" of ") + m_table)
-      .bindInt64(1, key)
-      .run();
-  m_deleted[static_cast<std::size_t>(rec)] = 1;
-  m_changed.erase(rec);
-  m_visible.erase(m_visible.begin() + row);
-  --m_liveRows;
+  std::sort(rows.begin(), rows.end());
+  rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+
+  // A savepoint, so that the deletion also joins a transaction that is already open.
+  Savepoint work(*m_connection, QStringLiteral("delete_rows"));
+  Statement remove = m_connection->prepare(
+      QStringLiteral("DELETE FROM ") + quoteName(m_table) + QStringLiteral(" WHERE ") +
+          quoteName(m_columns[static_cast<std::size_t>(m_idColumn)].name) + QStringLiteral("=?"),
+      QStringLiteral("Deleting rows of ") + m_table);
+  int done = 0;
+  for (int row : rows) {
+    const std::int64_t key = m_ids[static_cast<std::size_t>(record(row))];
+    try {
+      remove.reset();
+      remove.bindInt64(1, key).run();
+    } catch (const Error&) {
+      throw Error(QStringLiteral("Deleting the row with ID ") + QString::number(key) +
+                  QStringLiteral(" of ") + m_table + QStringLiteral(": ") +
+                  m_connection->lastErrorText());
+    }
+    if (onRecord) onRecord(++done);
+  }
+  remove.reset();
+  work.release();
+
+  for (int row : rows) {
+    const int rec = record(row);
+    m_deleted[static_cast<std::size_t>(rec)] = 1;
+    m_changed.erase(rec);
+  }
+  std::erase_if(m_visible, [this](int rec) { return m_deleted[static_cast<std::size_t>(rec)]; });
+  m_liveRows -= static_cast<int>(rows.size());
 }
 
 void ResultSet::setFilter(const QString& expression) {

@@ -7,6 +7,7 @@
 #include <QVariant>
 
 #include <cstdint>
+#include <functional>
 #include <unordered_map>
 #include <vector>
 
@@ -77,6 +78,10 @@ class ResultSet {
   void updateRow(int row);
   // Deletes the row's record by ID and drops it from the set. Throws Error on failure.
   void deleteRow(int row);
+  // Deletes the records of rows (visible row numbers in any order; others are skipped) by ID in
+  // one transaction and drops them from the set. onRecord, when given, hears the number deleted
+  // so far after each. Throws Error on failure, and then nothing is deleted.
+  void deleteRows(std::vector<int> rows, const std::function<void(int done)>& onRecord = {});
 
   // Shows only the rows that match expression (FilterExpression grammar); empty shows all.
   // Throws Error with a description when the expression is malformed, and then keeps the

@@ -117,23 +117,49 @@ std::int32_t AddSection(Connection& connection, std::int32_t packageId) {
   return id;
 }
 
-void AddLevelRow(Connection& connection, const QString& table, std::int32_t sectionId,
-                 float chainage) {
-  connection
-      .prepare(QStringLiteral("INSERT INTO %1 ([SectionID], Chainage) VALUES (?, ?)")
-                   .arg(quoteName(table)),
-               QStringLiteral("Adding a row to %1").arg(table))
-      .bindKey(1, sectionId)
-      .bindMeasure(2, chainage)
-      .run();
+// Runs insert count times, bound by bind before each run, in one transaction. The rows before
+// a failing one stay, as the Add command has always left them.
+static void insertRows(Connection& connection, Statement& insert,
+                       const std::function<void(Statement&)>& bind, int count,
+                       const std::function<void(int done)>& onRow) {
+  Savepoint work(connection, QStringLiteral("add_rows"));
+  try {
+    for (int done = 1; done <= count; ++done) {
+      bind(insert);
+      insert.run();
+      insert.reset();
+      if (onRow) onRow(done);
+    }
+  } catch (const Error&) {
+    insert.reset();
+    try {
+      work.release();
+    } catch (const Error&) {
+      // Nothing could be kept; the savepoint rolls back as it goes.
+    }
+    throw;
+  }
+  work.release();
 }
 
-void AddSectionRow(Connection& connection, const QString& table, std::int32_t sectionId) {
-  connection
-      .prepare(QStringLiteral("INSERT INTO %1 ([SectionID]) VALUES (?)").arg(quoteName(table)),
-               QStringLiteral("Adding a row to %1").arg(table))
-      .bindKey(1, sectionId)
-      .run();
+void AddLevelRows(Connection& connection, const QString& table, std::int32_t sectionId,
+                  float chainage, int count, const std::function<void(int done)>& onRow) {
+  Statement insert = connection.prepare(
+      QStringLiteral("INSERT INTO %1 ([SectionID], Chainage) VALUES (?, ?)").arg(quoteName(table)),
+      QStringLiteral("Adding a row to %1").arg(table));
+  insertRows(
+      connection, insert,
+      [sectionId, chainage](Statement& st) { st.bindKey(1, sectionId).bindMeasure(2, chainage); },
+      count, onRow);
+}
+
+void AddSectionRows(Connection& connection, const QString& table, std::int32_t sectionId, int count,
+                    const std::function<void(int done)>& onRow) {
+  Statement insert = connection.prepare(
+      QStringLiteral("INSERT INTO %1 ([SectionID]) VALUES (?)").arg(quoteName(table)),
+      QStringLiteral("Adding a row to %1").arg(table));
+  insertRows(
+      connection, insert, [sectionId](Statement& st) { st.bindKey(1, sectionId); }, count, onRow);
 }
 
 }  // namespace db

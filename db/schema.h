@@ -6,6 +6,7 @@
 #include <QStringList>
 
 #include <cstdint>
+#include <functional>
 
 namespace db {
 
@@ -35,10 +36,13 @@ bool sectionExists(Connection& connection, std::int32_t sectionId);
 // The rows the main window's Add command inserts. year: the current calendar year.
 std::int32_t AddPackage(Connection& connection, int year);
 std::int32_t AddSection(Connection& connection, std::int32_t packageId);
-// table: "Initial" or "Executed".
-void AddLevelRow(Connection& connection, const QString& table, std::int32_t sectionId,
-                 float chainage);
-// table: "DesignDetails", "DesignLevels" or "Outlets".
-void AddSectionRow(Connection& connection, const QString& table, std::int32_t sectionId);
+// count rows of table ("Initial" or "Executed") at chainage (km), in one transaction. onRow,
+// when given, hears the number inserted so far after each. A failing statement ends the work
+// with Error; the rows inserted before it stay.
+void AddLevelRows(Connection& connection, const QString& table, std::int32_t sectionId,
+                  float chainage, int count, const std::function<void(int done)>& onRow = {});
+// The same for table "DesignDetails", "DesignLevels" or "Outlets", rows holding the key only.
+void AddSectionRows(Connection& connection, const QString& table, std::int32_t sectionId, int count,
+                    const std::function<void(int done)>& onRow = {});
 
 }  // namespace db

@@ -2,6 +2,7 @@
 
 #include "db/connection.h"
 #include "db/resultset.h"
+#include "engine/progress.h"
 #include "engine/session.h"
 #include "sheets/gridcontrol.h"
 #include "sheets/sheetediting.h"
@@ -291,11 +292,11 @@ bool frmDataGrid::DeleteRecord() {
   if (m_dirty) save();
   bool deleted = false;
   try {
-    // Later rows move up as a row goes, so delete from the bottom.
-    for (auto it = rows.rbegin(); it != rows.rend(); ++it) {
-      m_grid->DeleteRow(*it);
-      deleted = true;
-    }
+    engine::EngineSession* session = m_context.currentEngine();
+    engine::DelayedProgress progress(session ? &session->reporter() : nullptr,
+                                     QStringLiteral("Deleting records..."), count);
+    m_grid->deleteRows(rows, [&progress](int done) { progress.step(done); });
+    deleted = true;
   } catch (const db::Error& error) {
     m_context.warn(this, error.message());
   }

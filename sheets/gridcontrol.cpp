@@ -416,21 +416,28 @@ db::ResultSet* GridControl::DataSource() const { return m_model->resultSet(); }
 
 void GridControl::UpdateRow(int row) { m_model->updateRow(row); }
 
-void GridControl::DeleteRow(int row) {
-  if (row < 0 || row >= Rows()) return;
-  if (IsEditing() && m_editRow == row) EndEdit();
+void GridControl::DeleteRow(int row) { deleteRows({row}); }
+
+void GridControl::deleteRows(std::vector<int> rows, const std::function<void(int done)>& onRecord) {
+  std::erase_if(rows, [this](int row) { return row < 0 || row >= Rows(); });
+  if (rows.empty()) return;
+  std::sort(rows.begin(), rows.end());
+  rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+  if (IsEditing() && std::binary_search(rows.begin(), rows.end(), m_editRow)) EndEdit();
   m_quietCurrent = true;
   try {
-    m_model->deleteRow(row);
+    m_model->deleteRows(rows, onRecord);
   } catch (...) {
     m_quietCurrent = false;
     throw;
   }
   m_quietCurrent = false;
-  std::vector<int> rows;
-  for (int r : m_selectedRows)
-    if (r != row) rows.push_back(r > row ? r - 1 : r);
-  m_selectedRows = std::move(rows);
+  std::vector<int> selected;
+  for (int r : m_selectedRows) {
+    const auto it = std::lower_bound(rows.begin(), rows.end(), r);
+    if (it == rows.end() || *it != r) selected.push_back(r - static_cast<int>(it - rows.begin()));
+  }
+  m_selectedRows = std::move(selected);
 }
 
 void GridControl::Refresh() {

@@ -80,6 +80,10 @@ class GridControl : public QWidget {
   void UpdateRow(int row);
   // Deletes the row (and, bound, its record); throws db::Error. Later rows move up by one.
   void DeleteRow(int row);
+  // Deletes the rows (any order; rows outside the grid are skipped) and, bound, their records in
+  // one transaction; onRecord hears how many records are gone so far. Throws db::Error, and then
+  // nothing is deleted. Later rows move up.
+  void deleteRows(std::vector<int> rows, const std::function<void(int done)>& onRecord = {});
   // Re-reads the bound rows (row count, columns' contents) and repaints; keeps the current
   // cell and the scroll position where they still exist.
   void Refresh();

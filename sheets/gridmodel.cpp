@@ -6,6 +6,7 @@
 #include <QFont>
 
 #include <algorithm>
+#include <optional>
 
 namespace sheets {
 
@@ -237,40 +238,54 @@ void GridModel::updateRow(int row) {
   cellChanged(row, -1);
 }
 
-void GridModel::deleteRow(int row) {
-  if (row < 0 || row >= m_rows) return;
-  if (m_resultSet) m_resultSet->deleteRow(row);  // throws before the grid changes
-  beginRemoveRows(QModelIndex(), row, row);
-  if (!m_resultSet) {
-    const auto cols = static_cast<std::ptrdiff_t>(m_columns.size());
-    m_cells.erase(m_cells.begin() + row * cols, m_cells.begin() + (row + 1) * cols);
+void GridModel::deleteRow(int row) { deleteRows({row}); }
+
+void GridModel::deleteRows(std::vector<int> rows, const std::function<void(int done)>& onRecord) {
+  std::erase_if(rows, [this](int row) { return row < 0 || row >= m_rows; });
+  if (rows.empty()) return;
+  std::sort(rows.begin(), rows.end());
+  rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+  if (m_resultSet) m_resultSet->deleteRows(rows, onRecord);  // throws before the grid changes
+
+  // Runs of neighbouring rows from the bottom up, so that the rows still to go keep their
+  // numbers.
+  const auto cols = static_cast<std::ptrdiff_t>(m_columns.size());
+  for (std::size_t end = rows.size(); end > 0;) {
+    std::size_t begin = end - 1;
+    while (begin > 0 && rows[begin - 1] == rows[begin] - 1) --begin;
+    const int first = rows[begin];
+    const int last = rows[end - 1];
+    beginRemoveRows(QModelIndex(), first, last);
+    if (!m_resultSet)
+      m_cells.erase(m_cells.begin() + first * cols, m_cells.begin() + (last + 1) * cols);
+    m_rows -= last - first + 1;
+    endRemoveRows();
+    end = begin;
   }
-  --m_rows;
-  shiftRowsAfterRemoval(row);
-  endRemoveRows();
+  shiftRowsAfterRemoval(rows);
 }
 
-void GridModel::shiftRowsAfterRemoval(int row) {
+void GridModel::shiftRowsAfterRemoval(const std::vector<int>& removed) {
+  // The row's number once the removed rows are gone; none for a removed row. The header row
+  // (-1) stays.
+  const auto moved = [&removed](int row) -> std::optional<int> {
+    const auto it = std::lower_bound(removed.begin(), removed.end(), row);
+    if (it != removed.end() && *it == row) return std::nullopt;
+    return row - static_cast<int>(it - removed.begin());
+  };
   if (!m_formats.empty()) {
     std::unordered_map<std::int64_t, CellFormat> formats;
     for (const auto& [k, f] : m_formats) {
       const int r = static_cast<int>((k >> 24) - 1);
       const int c = static_cast<int>(k & 0xffffff);
-      if (r < row)
-        formats.emplace(k, f);
-      else if (r > row)
-        formats.emplace(key(r - 1, c), f);
+      if (const std::optional<int> to = moved(r)) formats.emplace(key(*to, c), f);
     }
     m_formats = std::move(formats);
   }
-  const auto shift = [row](auto& map) {
+  const auto shift = [&moved](auto& map) {
     std::remove_reference_t<decltype(map)> shifted;
-    for (const auto& [r, value] : map) {
-      if (r < row)
-        shifted.emplace(r, value);
-      else if (r > row)
-        shifted.emplace(r - 1, value);
-    }
+    for (const auto& [r, value] : map)
+      if (const std::optional<int> to = moved(r)) shifted.emplace(*to, value);
     map = std::move(shifted);
   };
   shift(m_rowFore);

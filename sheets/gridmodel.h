@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <cstdint>
+#include <functional>
 #include <unordered_map>
 #include <vector>
 
@@ -72,6 +73,10 @@ class GridModel : public QAbstractTableModel {
   void setText(int row, int col, const QString& text);
   void updateRow(int row);
   void deleteRow(int row);
+  // Deletes the rows (any order; rows outside the grid are skipped) and, bound, their records in
+  // one transaction; onRecord hears how many records are gone so far. Throws db::Error before
+  // the grid changes.
+  void deleteRows(std::vector<int> rows, const std::function<void(int done)>& onRecord = {});
   // Re-reads the bound rows; true when the number of rows changed (the model was reset).
   bool reread();
 
@@ -105,7 +110,8 @@ class GridModel : public QAbstractTableModel {
   }
   QVariant cellData(int row, int col, int role) const;
   Column newColumn(int source) const;
-  void shiftRowsAfterRemoval(int row);
+  // Moves the row formats and settings up over the removed rows (ascending).
+  void shiftRowsAfterRemoval(const std::vector<int>& removed);
 
   db::ResultSet* m_resultSet = nullptr;
   std::vector<Column> m_columns;

@@ -81,11 +81,11 @@ TEST(OrphanCleanUp, SecondRunDeletesNothing) {
 TEST(AddRows, LevelRowsCarrySectionAndChainage) {
   TempProject project;
   db::Connection& c = project.create();
-  db::AddLevelRow(c, QStringLiteral("Initial"), 5, 0.15f);
-  db::AddSectionRow(c, QStringLiteral("DesignLevels"), 5);
+  db::AddLevelRows(c, QStringLiteral("Initial"), 5, 0.15f, 3);
+  db::AddSectionRows(c, QStringLiteral("DesignLevels"), 5, 2);
   EXPECT_EQ(rowCount(c, QStringLiteral("Initial"), QStringLiteral("SectionID=5 AND Chainage=0.15")),
-            1);
-  EXPECT_EQ(rowCount(c, QStringLiteral("DesignLevels"), QStringLiteral("SectionID=5")), 1);
+            3);
+  EXPECT_EQ(rowCount(c, QStringLiteral("DesignLevels"), QStringLiteral("SectionID=5")), 2);
 }
 
 }  // namespace

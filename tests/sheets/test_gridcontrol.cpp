@@ -116,6 +116,20 @@ class TestGridControl : public QObject {
     QCOMPARE(grid->SelectedIndex(1), -1);
   }
 
+  void deletingScatteredRowsMovesTheRestUpWithTheirFormats() {
+    auto grid = reportGrid(2, 8);
+    grid->CellBold(5, 1, true);
+    grid->RowForeColor(7, sheets::RGB(255, 0, 0));
+    grid->SelectRow(6);
+    grid->deleteRows({4, 1, 3, 9});
+    QStringList rows;
+    for (int r = 0; r < grid->Rows(); ++r) rows.append(grid->Text(r, 0));
+    QCOMPARE(rows.join(QLatin1Char(' ')), QStringLiteral("0,0 2,0 5,0 6,0 7,0"));
+    QVERIFY(grid->CellBold(2, 1) && !grid->CellBold(5, 1));
+    QCOMPARE(grid->RowForeColor(4), sheets::RGB(255, 0, 0));
+    QCOMPARE(grid->SelectedRow(1), 3);
+  }
+
   void clicksReportTheCellAndDoubleClicksTheHeaderSide() {
     auto grid = reportGrid(4, 8);
     QSignalSpy clicks(grid.get(), &GridControl::cellClicked);
