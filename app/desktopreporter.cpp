@@ -82,6 +82,10 @@ frmProgress& DesktopReporter::progress() {
 
 void DesktopReporter::progressStart(const QString& caption, int maximum, bool showBar) {
   frmProgress& window = progress();
+  if (!window.isVisible()) {
+    window.clearCancel();
+    window.setCancelVisible(false);
+  }
   window.SetProperties(caption, maximum, showBar);
   window.show();
   window.raise();
@@ -105,8 +109,11 @@ void DesktopReporter::statusText(int panel, const QString& text) {
 void DesktopReporter::processEvents() {
   if (m_processingEvents) return;
   const QScopedValueRollback<bool> guard(m_processingEvents, true);
+  if (m_progress && m_progress->isVisible()) m_progress->setCancelVisible(true);
   QCoreApplication::processEvents();
 }
+
+bool DesktopReporter::cancelled() const { return m_progress && m_progress->cancelRequested(); }
 
 void DesktopReporter::setMessageFunction(MessageFunction function) {
   m_message = std::move(function);

@@ -37,15 +37,19 @@ class DesktopReporter : public engine::Reporter {
   void messageBox(const QString& text, Icon icon) override;
   // The same box owned by a given window (a dialog that is open over the main window).
   void messageBox(QWidget* owner, const QString& text, Icon icon);
-  // Shows the progress window with SetProperties(caption, maximum, showBar) and repaints it.
+  // Shows the progress window with SetProperties(caption, maximum, showBar) and repaints it. A
+  // window that was closed opens without Cancel and forgets an earlier click on it.
   void progressStart(const QString& caption, int maximum, bool showBar) override;
   void progressValue(int value) override;
   // Hides the progress window; it keeps its last maximum for the next use.
   void progressEnd() override;
   void statusText(int panel, const QString& text) override;
   // Lets pending events be handled; a call made while events are being handled returns at
-  // once, so a command started from inside a long run cannot start the run's loop again.
+  // once, so a command started from inside a long run cannot start the run's loop again. The
+  // progress window offers Cancel from the first call on: only then can a click reach it.
   void processEvents() override;
+  // The user clicked Cancel on the progress window of the run under way.
+  bool cancelled() const override;
 
   void setMessageFunction(MessageFunction function);
   void setStatusFunction(StatusFunction function);

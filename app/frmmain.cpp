@@ -43,6 +43,7 @@
 #include <QPrintDialog>
 #include <QPrinter>
 #include <QRegularExpression>
+#include <QScopeGuard>
 #include <QSettings>
 #include <QStatusBar>
 #include <QToolBar>
@@ -435,6 +436,24 @@ void frmMain::useExecutedLevelChanged(bool checked) {
   if (m_state.engine) m_state.engine->setUseExecutedLevel(checked);
 }
 
+void frmMain::runEngine(const std::function<void()>& computation) {
+  // The run lets events through once per chainage; the switch would change its areas midway.
+  m_engineRunning = true;
+  m_chkUseExecutedLevel->setEnabled(false);
+  const auto idle = qScopeGuard([this] {
+    m_engineRunning = false;
+    m_chkUseExecutedLevel->setEnabled(true);
+    setStatusPanel(4, QString());
+  });
+  computation();
+}
+
+bool frmMain::refusedWhileRunning() {
+  if (!m_engineRunning) return false;
+  setStatusPanel(4, QStringLiteral("Busy computing: wait for it to end, or click Cancel."));
+  return true;
+}
+
 void frmMain::updateWindowMenu() {
   const QList<QAction*> items = m_mnuWindow->actions();
   for (qsizetype i = items.indexOf(m_windowListSeparator) + 1; i < items.size(); ++i) {
@@ -516,6 +535,8 @@ QString frmMain::input(const QString& title, const QString& prompt, const QStrin
 // ---- File
 
 void frmMain::fileOpen() {
+  // The computation reads the open project; replacing it under the run would crash.
+  if (refusedWhileRunning()) return;
   // The children are bound to the project they were opened on, so they close with it: what
   // they hold unsaved is written first, while that project is still open.
   const auto closeChildren = [this] {
@@ -549,7 +570,7 @@ void frmMain::fileOpen() {
 }
 
 void frmMain::fileSave() {
-  if (!activeChild()) return;
+  if (!activeChild() || refusedWhileRunning()) return;
   if (sheets::frmDataGrid* sheet = activeDataSheet())
     sheet->HandleMenuEvent(sheets::frmDataGrid::kSave);
   else
@@ -598,12 +619,13 @@ void frmMain::filePrint() {
 // ---- Edit
 
 void frmMain::editMenuEvent(std::int16_t command) {
+  if (command != sheets::frmDataGrid::kCopy && refusedWhileRunning()) return;
   if (sheets::frmDataGrid* sheet = activeDataSheet()) sheet->HandleMenuEvent(command);
 }
 
 void frmMain::editAdd() {
   sheets::frmDataGrid* sheet = activeDataSheet();
-  if (!sheet || !m_state.cnProject) return;
+  if (!sheet || !m_state.cnProject || refusedWhileRunning()) return;
   db::Connection& connection = *m_state.cnProject;
   engine::Reporter* reporter = m_state.engine ? &m_state.engine->reporter() : nullptr;
   const QString name = sheet->strCurrentDataSheet;
@@ -652,7 +674,7 @@ void frmMain::editAdd() {
 
 void frmMain::editDelete() {
   sheets::frmDataGrid* sheet = activeDataSheet();
-  if (!sheet || !m_state.cnProject) return;
+  if (!sheet || !m_state.cnProject || refusedWhileRunning()) return;
   const QString name = sheet->strCurrentDataSheet;
   try {
     if (name == QLatin1String("DesignDetails") || name == QLatin1String("DesignLevels") ||
@@ -765,25 +787,36 @@ void frmMain::dataOutlets() { openDataSheet(&sheets::modGridStyles::OutletsStyle
 // ---- Output
 
 void frmMain::outputViewQuantity() {
-  if (!m_state.cnProject || m_state.lngSectionID < 1) return;
-  try {
-    sheets::modGridStyles::ShowQuantitySummary(m_context);
-  } catch (const db::Error&) {
-  }
+  if (!m_state.cnProject || m_state.lngSectionID < 1 || refusedWhileRunning()) return;
+  QString failure;
+  runEngine([this, &failure] {
+    try {
+      sheets::modGridStyles::ShowQuantitySummary(m_context);
+    } catch (const db::Error& error) {
+      failure = error.message();
+    }
+  });
+  if (!failure.isEmpty())
+    message(QStringLiteral("The quantities could not be computed: ") + failure,
+            sheets::MessageIcon::Critical);
 }
 
 void frmMain::outputPlotLSection() {
-  if (PrintForm* form = plotLongSection(m_state, m_context, this))
-    form->setSaveFileFunction(m_saveFile);
+  if (refusedWhileRunning()) return;
+  PrintForm* form = nullptr;
+  runEngine([this, &form] { form = plotLongSection(m_state, m_context, this); });
+  if (form) form->setSaveFileFunction(m_saveFile);
 }
 
 void frmMain::outputPlotXSection() {
-  if (PrintForm* form = plotCrossSections(m_state, m_context, this))
-    form->setSaveFileFunction(m_saveFile);
+  if (refusedWhileRunning()) return;
+  PrintForm* form = nullptr;
+  runEngine([this, &form] { form = plotCrossSections(m_state, m_context, this); });
+  if (form) form->setSaveFileFunction(m_saveFile);
 }
 
 void frmMain::outputExportQuantity() {
-  if (!m_state.engine || m_state.lngSectionID < 1) return;
+  if (!m_state.engine || m_state.lngSectionID < 1 || refusedWhileRunning()) return;
   const QString folder = m_state.strDatabasePath.isEmpty()
                              ? QDir::homePath()
                              : QFileInfo(m_state.strDatabasePath).absolutePath();
@@ -800,7 +833,7 @@ void frmMain::outputExportQuantity() {
 }
 
 bool frmMain::exportQuantitySheet(const QString& path) {
-  if (!m_state.engine || m_state.lngSectionID < 1) return false;
+  if (!m_state.engine || m_state.lngSectionID < 1 || refusedWhileRunning()) return false;
   QString target = path;
   if (QFileInfo(target).suffix().isEmpty()) target += QStringLiteral(".xlsx");
   const std::optional<engine::QuantitySheetFormat> format = engine::QuantitySheetFormatOf(target);
@@ -814,7 +847,9 @@ bool frmMain::exportQuantitySheet(const QString& path) {
   QApplication::setOverrideCursor(Qt::WaitCursor);
   engine::QuantityExportResult result;
   try {
-    result = engine::ExportQuantitySheet(*m_state.engine, target, *format);
+    runEngine([this, &result, &target, &format] {
+      result = engine::ExportQuantitySheet(*m_state.engine, target, *format);
+    });
   } catch (const db::Error& error) {
     QApplication::restoreOverrideCursor();
     m_state.engine->reporter().progressEnd();
@@ -868,13 +903,13 @@ void frmMain::helpAbout() {
 }
 
 void frmMain::initialSet() {
-  if (m_state.lngSectionID <= 0 || !m_state.engine) return;
+  if (m_state.lngSectionID <= 0 || !m_state.engine || refusedWhileRunning()) return;
   if (!askYesNo(QStringLiteral("Set Initial Levels"),
                 QStringLiteral("Initial levels will be checked and offset and chainage will be "
                                "filled correctly. Do you want to continue?")))
     return;
   try {
-    engine::FormatInitialTable(*m_state.engine);
+    runEngine([this] { engine::FormatInitialTable(*m_state.engine); });
     if (sheets::frmDataGrid* sheet = activeDataSheet()) sheet->RefreshData();
   } catch (const db::Error&) {
     // The command ends at the failing statement; the progress window must not stay behind.
@@ -885,6 +920,8 @@ void frmMain::initialSet() {
 // ---- Drill-down
 
 void frmMain::DoubleClickHandler(int row) {
+  // A drill-down changes the section, or starts the area calculation, under the run.
+  if (refusedWhileRunning()) return;
   const QString name = activeSheetName();
   try {
     if (name == QLatin1String("Package")) {
@@ -985,6 +1022,10 @@ void frmMain::showChild(QWidget* window) {
 // ---- Closing
 
 void frmMain::closeEvent(QCloseEvent* event) {
+  if (refusedWhileRunning()) {
+    event->ignore();
+    return;
+  }
   closeFilterWindow();
   m_mdiArea->closeAllSubWindows();
   for (QMdiSubWindow* child : m_mdiArea->subWindowList()) {

@@ -150,6 +150,13 @@ class frmMain : public QMainWindow, public sheets::MainWindowLink {
                          const QString& iconKey, void (frmMain::*command)());
   QAction* commandAction(Command command) const;
   void useExecutedLevelChanged(bool checked);
+  // Runs a long engine computation (the quantity run, the plotted sections, the export, the
+  // ordering of the initial levels) with the program marked busy until it ends.
+  void runEngine(const std::function<void()>& computation);
+  // While a computation runs, the commands that would replace the project, change the section,
+  // write rows or start another computation over it are refused: the status bar says why, and
+  // this returns true.
+  bool refusedWhileRunning();
   // Opens a new data sheet through layout; false when a database error ended the command.
   bool openDataSheet(const std::function<void(sheets::frmDataGrid&)>& layout);
   void message(const QString& text, sheets::MessageIcon icon);
@@ -174,6 +181,7 @@ class frmMain : public QMainWindow, public sheets::MainWindowLink {
   QPointer<HelpWindow> m_helpWindow;
   QString m_manualFolder;
   std::unique_ptr<QPrinter> m_printer;
+  bool m_engineRunning = false;
   QList<QAction*> m_sheetSaveItems;  // File > Save as PDF/PNG/SVG, for a page window
 };
 

@@ -4,8 +4,10 @@
 
 #include <QFrame>
 #include <QGuiApplication>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QProgressBar>
+#include <QPushButton>
 #include <QScreen>
 #include <QVBoxLayout>
 
@@ -28,13 +30,24 @@ frmProgress::frmProgress(QWidget* parent)
   m_progressBar1->setRange(0, 100);
   m_progressBar1->setValue(0);
 
+  m_cmdCancel = new QPushButton(QStringLiteral("Cancel"), frame);
+  m_cmdCancel->setObjectName(QStringLiteral("cmdCancel"));
+  m_cmdCancel->setVisible(false);
+  connect(m_cmdCancel, &QPushButton::clicked, this, [this] {
+    m_cancelRequested = true;
+    m_cmdCancel->setEnabled(false);
+  });
+
   auto* layout = new QVBoxLayout(frame);
   layout->setContentsMargins(1, 1, 1, 8);
   layout->addWidget(m_wnTitle);
   auto* body = new QVBoxLayout;
   body->setContentsMargins(10, 6, 10, 0);
   body->addWidget(m_progressName);
-  body->addWidget(m_progressBar1);
+  auto* barRow = new QHBoxLayout;
+  barRow->addWidget(m_progressBar1, 1);
+  barRow->addWidget(m_cmdCancel);
+  body->addLayout(barRow);
   layout->addLayout(body);
 
   setFixedSize(380, 100);
@@ -49,6 +62,13 @@ void frmProgress::SetProperties(const QString& caption, int maximum, bool showBa
 void frmProgress::UpdateValue(int value) {
   if (value < m_progressBar1->minimum() || value > m_progressBar1->maximum()) return;
   m_progressBar1->setValue(value);
+}
+
+void frmProgress::setCancelVisible(bool visible) { m_cmdCancel->setVisible(visible); }
+
+void frmProgress::clearCancel() {
+  m_cancelRequested = false;
+  m_cmdCancel->setEnabled(true);
 }
 
 void frmProgress::resizeEvent(QResizeEvent* event) {

@@ -4,11 +4,13 @@
 
 class QLabel;
 class QProgressBar;
+class QPushButton;
 
 namespace app {
 
-// The progress window long operations show: a caption bar, the current task text and a bar.
-// Stays on top of all windows and centres itself on the screen whenever its size is set.
+// The progress window long operations show: a caption bar, the current task text, a bar and,
+// for a run that can stop, Cancel. Stays on top of all windows and centres itself on the screen
+// whenever its size is set.
 class frmProgress : public QWidget {
   Q_OBJECT
 
@@ -21,9 +23,15 @@ class frmProgress : public QWidget {
   // Sets the bar's position; a value outside the bar's range is ignored.
   void UpdateValue(int value);
 
+  // Shows or hides Cancel. A click on it is remembered until clearCancel.
+  void setCancelVisible(bool visible);
+  bool cancelRequested() const { return m_cancelRequested; }
+  void clearCancel();
+
   QLabel* wnTitle() const { return m_wnTitle; }
   QLabel* progressName() const { return m_progressName; }
   QProgressBar* ProgressBar1() const { return m_progressBar1; }
+  QPushButton* cmdCancel() const { return m_cmdCancel; }
 
  protected:
   void resizeEvent(QResizeEvent* event) override;
@@ -34,6 +42,8 @@ class frmProgress : public QWidget {
   QLabel* m_wnTitle;
   QLabel* m_progressName;
   QProgressBar* m_progressBar1;
+  QPushButton* m_cmdCancel;
+  bool m_cancelRequested = false;
 };
 
 }  // namespace app

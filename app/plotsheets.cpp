@@ -138,20 +138,23 @@ PrintForm* plotCrossSections(AppState& state, const sheets::SheetContext& contex
   engine::EngineSession& session = *state.engine;
   engine::Reporter& reporter = session.reporter();
   std::vector<engine::CrossSection> sections;
+  bool cancelled = false;
   try {
     const ComputingScope computing(reporter);
-    sections = engine::computeCrossSections(session, [&reporter](int index, int count) {
+    sections = engine::computeCrossSections(session, [&reporter, &cancelled](int index, int count) {
       if (index == 0)
         reporter.progressStart(QStringLiteral("Computing cross sections..."), count, true);
       reporter.progressValue(index);
       reporter.processEvents();
-      return true;
+      cancelled = reporter.cancelled();
+      return !cancelled;
     });
   } catch (const db::Error& error) {
     context.warn(parent,
                  QStringLiteral("The cross sections could not be computed: ") + error.message());
     return nullptr;
   }
+  if (cancelled) return nullptr;
 
   drawing::CrossSectionSheetOptions options;
   options.executed = context.isUseExecutedLevel();

@@ -28,8 +28,8 @@ int crossSectionScaleAt(int index);
 // Output > Plot X Section: computes the cross-sections of the current section under the
 // progress window and opens them in a page window with a choice of scales. A section without
 // chainages opens one empty page and says so. Returns the window, or null when none opened
-// (no section, or a database error that the user has been told about). Message boxes go
-// through context, owned by parent.
+// (no section, the user cancelled, or a database error that the user has been told about).
+// Message boxes go through context, owned by parent.
 PrintForm* plotCrossSections(AppState& state, const sheets::SheetContext& context, QWidget* parent);
 
 // Output > Plot L Section: the longitudinal section of the current section from its first to

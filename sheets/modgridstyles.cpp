@@ -160,7 +160,8 @@ void OutletsStyle(frmDataGrid& sheet) {
 
 frmReport* ShowQuantitySummary(const SheetContext& context) {
   engine::EngineSession* session = context.currentEngine();
-  if (!session) return nullptr;
+  // A run started from the events of another would only show an empty summary.
+  if (!session || session->quantityRun().Running) return nullptr;
   if (context.useExecutedLevel) session->setUseExecutedLevel(context.isUseExecutedLevel());
 
   auto report = std::make_unique<frmReport>(context);
@@ -173,6 +174,7 @@ frmReport* ShowQuantitySummary(const SheetContext& context) {
   grid.ColTextAlign(-1, GridControl::kAlignRight);  // every cell holds a number
   grid.SetRowCount(0);
   engine::ComputeQuantities(*session, &report->reportGrid(), -1.0f);
+  if (session->quantityRun().Cancelled) return nullptr;
   report->strCurrentDataSheet = QStringLiteral("QuantitySummary");
   return showReport(context, std::move(report));
 }

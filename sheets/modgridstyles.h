@@ -29,7 +29,8 @@ void LevelsStyle(frmDataGrid& sheet, const QString& table);
 void OutletsStyle(frmDataGrid& sheet);
 
 // Creates, fills and shows a new "Quantity Summary" of the current section. The window is
-// handed to the main-window link; without one the caller owns it. Null when no project is open.
+// handed to the main-window link; without one the caller owns it. Null when no project is open,
+// when a quantity run is already under way, and when the user cancels the run.
 frmReport* ShowQuantitySummary(const SheetContext& context);
 // Creates, fills and shows a new area calculation window for chainage (km). Windows are never
 // reused: every call makes a new one. Ownership as for ShowQuantitySummary.
