@@ -46,8 +46,6 @@ std::pair<qsizetype, qsizetype> findLineBreak(const QString& text, qsizetype fro
   return {lf, 1};
 }
 
-std::int16_t toInt16(int value) { return static_cast<std::int16_t>(value); }
-
 bool isArrowKey(int key) {
   return key == Qt::Key_Left || key == Qt::Key_Right || key == Qt::Key_Up || key == Qt::Key_Down;
 }
@@ -120,7 +118,7 @@ void SheetEditing::resetSelection() {
 void SheetEditing::selectRange(int firstRow, int firstCol, int lastRow, int lastCol) {
   RedrawOff redraw(m_grid);
   if (m_rangeSelected) unhighlight();
-  m_selection = {toInt16(firstCol), toInt16(lastCol), toInt16(firstRow), toInt16(lastRow)};
+  m_selection = {firstCol, lastCol, firstRow, lastRow};
   m_rangeSelected = true;
   highlight();
 }
@@ -135,11 +133,11 @@ void SheetEditing::selectByClick(int row, int col, bool extend) {
       m_rangeSelected = false;
     }
     if (col < 0) {  // row header: the whole row
-      m_selection = {0, toInt16(lastCol), toInt16(row), toInt16(row)};
+      m_selection = {0, lastCol, row, row};
     } else if (row < 0) {  // column header: the whole column
-      m_selection = {toInt16(col), toInt16(col), 0, toInt16(lastRow)};
+      m_selection = {col, col, 0, lastRow};
     } else {
-      m_selection = {toInt16(col), toInt16(col), toInt16(row), toInt16(row)};
+      m_selection = {col, col, row, row};
       if (m_grid.ColKind(col) == GridControl::kKindCheck && row < m_grid.Rows()) {
         try {
           m_grid.UpdateRow(row);
@@ -152,8 +150,8 @@ void SheetEditing::selectByClick(int row, int col, bool extend) {
   }
   if (m_rangeSelected) unhighlight();
   m_rangeSelected = true;
-  m_selection.lastCol = toInt16(col < 0 ? lastCol : col);
-  m_selection.lastRow = toInt16(row < 0 ? lastRow : row);
+  m_selection.lastCol = col < 0 ? lastCol : col;
+  m_selection.lastRow = row < 0 ? lastRow : row;
   highlight();
 }
 
@@ -170,7 +168,7 @@ void SheetEditing::onMouseDown(int row, int col) {
       unhighlight();
       m_rangeSelected = false;
     }
-    m_selection = {toInt16(col), toInt16(col), toInt16(row), toInt16(row)};
+    m_selection = {col, col, row, row};
   }
 }
 
@@ -216,8 +214,8 @@ void SheetEditing::onCurrentCellChanged(int row, int col) {
     unhighlight();
     m_rangeSelected = false;
   }
-  const auto r = toInt16(std::max(row, 0));
-  const auto c = toInt16(std::max(col, 0));
+  const int r = std::max(row, 0);
+  const int c = std::max(col, 0);
   m_selection = {c, c, r, r};
 }
 
@@ -227,7 +225,7 @@ bool SheetEditing::shiftHeld() const { return m_modifiers.testFlag(Qt::ShiftModi
 
 void SheetEditing::pushUndo(const QString& text, int col, int row) {
   m_previousUndo = m_undo;
-  m_undo = {text, toInt16(col), toInt16(row), true};
+  m_undo = {text, col, row, true};
 }
 
 void SheetEditing::takeUndoSnapshot() {
@@ -576,8 +574,8 @@ void SheetEditing::onKeyDown(int key, Qt::KeyboardModifiers modifiers, bool& han
 void SheetEditing::extendByKey(int key) {
   RedrawOff redraw(m_grid);
   if (!m_rangeSelected) {
-    const auto r = toInt16(m_grid.Row());
-    const auto c = toInt16(m_grid.Col());
+    const int r = m_grid.Row();
+    const int c = m_grid.Col();
     m_selection = {c, c, r, r};
   } else {
     unhighlight();
@@ -608,8 +606,8 @@ void SheetEditing::extendByKey(int key) {
     default:
       break;
   }
-  m_selection.lastCol = toInt16(farCol);
-  m_selection.lastRow = toInt16(farRow);
+  m_selection.lastCol = farCol;
+  m_selection.lastRow = farRow;
   m_rangeSelected = true;
   highlight();
 }

@@ -5,7 +5,6 @@
 #include <QObject>
 #include <QString>
 
-#include <cstdint>
 #include <functional>
 
 namespace sheets {
@@ -39,18 +38,18 @@ class SheetEditing : public QObject {
 
   // The highlighted rectangle as clicked: first and last may be in either order.
   struct Selection {
-    std::int16_t firstCol = 0;
-    std::int16_t lastCol = 0;
-    std::int16_t firstRow = 0;
-    std::int16_t lastRow = 0;
+    int firstCol = 0;
+    int lastCol = 0;
+    int firstRow = 0;
+    int lastRow = 0;
   };
 
   // The former contents of the cells a change overwrote, as tab and CR LF separated text,
   // anchored at their top-left cell.
   struct UndoRecord {
     QString text;
-    std::int16_t col = 0;
-    std::int16_t row = 0;
+    int col = 0;
+    int row = 0;
     bool valid = false;
   };
 
