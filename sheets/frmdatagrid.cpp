@@ -30,6 +30,25 @@ class BusyCursor {
   BusyCursor& operator=(const BusyCursor&) = delete;
 };
 
+// A row as the delete question names it: its chainage and offset where the sheet has them,
+// otherwise its first column ("Chainage 0.1, Offset -5", "Name Canal A").
+QString describeRow(const GridControl& grid, int row) {
+  const auto part = [&grid, row](int col) -> QString {
+    const QString text = grid.Text(row, col);
+    return grid.Text(-1, col) + QLatin1Char(' ') +
+           (text.isEmpty() ? QStringLiteral("(empty)") : text);
+  };
+  QStringList parts;
+  for (int col = 0; col < grid.Cols(); ++col) {
+    const QString header = grid.Text(-1, col);
+    if (header.compare(QLatin1String("Chainage"), Qt::CaseInsensitive) == 0 ||
+        header.compare(QLatin1String("Offset"), Qt::CaseInsensitive) == 0)
+      parts.append(part(col));
+  }
+  if (parts.isEmpty() && grid.Cols() > 0) parts.append(part(0));
+  return parts.join(QStringLiteral(", "));
+}
+
 }  // namespace
 
 void scrollGridByWheel(GridControl& grid, int rotation) {
@@ -280,14 +299,19 @@ bool frmDataGrid::DeleteRecord() {
                    QStringLiteral("No records selected. Select one or more records for deletion!"));
     return false;
   }
-  const QString question = QStringLiteral("Surely delete ") + QString::number(count) +
-                           QStringLiteral(" record(s) from the database?");
+  std::vector<int> rows;
+  for (int i = 1; i <= count; ++i) rows.push_back(m_grid->SelectedRow(i));
+  QString question = QStringLiteral("Surely delete ") + QString::number(count) +
+                     QStringLiteral(" record(s) from the database?\n\n");
+  if (count == 1)
+    question += describeRow(*m_grid, rows.front());
+  else
+    question += QStringLiteral("First: ") + describeRow(*m_grid, rows.front()) +
+                QStringLiteral("\nLast: ") + describeRow(*m_grid, rows.back());
   if (m_context.ask(this, question, QStringLiteral("Delvane"), MessageButtons::YesNo,
                     MessageIcon::Question) != MessageAnswer::Yes)
     return false;
 
-  std::vector<int> rows;
-  for (int i = 1; i <= count; ++i) rows.push_back(m_grid->SelectedRow(i));
   BusyCursor busy;
   if (m_dirty) save();
   bool deleted = false;

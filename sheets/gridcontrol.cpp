@@ -271,6 +271,10 @@ class GridView : public QTableView {
   void mousePressEvent(QMouseEvent* event) override {
     const QModelIndex index = indexAt(event->position().toPoint());
     m_pressed = index;
+    // Choosing a cell ends a choice of rows or columns made on the headers, so that a command
+    // never acts on rows the user has since moved away from.
+    if (index.isValid() && (m_grid->SelectedRowCount() > 0 || m_grid->SelectedColCount() > 0))
+      m_grid->ClearSelection();
     emit m_grid->mouseDown(rowOf(index), colOf(index), event->buttons(), event->modifiers());
     QTableView::mousePressEvent(event);
   }

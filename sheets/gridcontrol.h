@@ -36,10 +36,11 @@ constexpr GridColor RGB(int red, int green, int blue) {
 // setting -1 means all of them. Colours are 0x00BBGGRR.
 //
 // Beside the current cell (Row, Col) there is a selection of whole rows or whole columns made
-// by clicking their headers (Ctrl toggles, Shift extends); the sheet's own cell rectangle is
-// shown by colouring cells. Key events reach keyDown and keyPress before the grid handles them;
-// a slot that sets handled keeps the grid from acting on the key. The up-and-down mouse wheel
-// does not scroll the grid: the window holding it scrolls it with TopRow and BottomRow.
+// by clicking their headers (Ctrl toggles, Shift extends; a click on a cell clears it); the
+// sheet's own cell rectangle is shown by colouring cells. Key events reach keyDown and keyPress
+// before the grid handles them; a slot that sets handled keeps the grid from acting on the key.
+// The up-and-down mouse wheel does not scroll the grid: the window holding it scrolls it with
+// TopRow and BottomRow.
 class GridControl : public QWidget {
   Q_OBJECT
 

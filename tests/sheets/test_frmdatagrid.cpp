@@ -276,10 +276,16 @@ class TestFrmDataGrid : public QObject {
     QTest::newRow("nothing selected warns")
         << QList<int>{} << int(MessageAnswer::Yes)
         << "No records selected. Select one or more records for deletion!" << 5;
-    QTest::newRow("No keeps the rows") << QList<int>{1, 3} << int(MessageAnswer::No)
-                                       << "Surely delete 2 record(s) from the database?" << 5;
-    QTest::newRow("Yes deletes the rows") << QList<int>{1, 3} << int(MessageAnswer::Yes)
-                                          << "Surely delete 2 record(s) from the database?" << 3;
+    const QString twoRows = QStringLiteral(
+        "Surely delete 2 record(s) from the database?\n\nFirst: Chainage 0.1, Offset 1\n"
+        "Last: Chainage 0.1, Offset 3");
+    QTest::newRow("No keeps the rows")
+        << QList<int>{1, 3} << int(MessageAnswer::No) << twoRows << 5;
+    QTest::newRow("Yes deletes the rows")
+        << QList<int>{1, 3} << int(MessageAnswer::Yes) << twoRows << 3;
+    QTest::newRow("one row is named alone")
+        << QList<int>{4} << int(MessageAnswer::Yes)
+        << "Surely delete 1 record(s) from the database?\n\nChainage 0.1, Offset 4" << 4;
   }
   void deleteRecordConfirms() {
     QFETCH(QList<int>, selected);
@@ -302,7 +308,7 @@ class TestFrmDataGrid : public QObject {
     QCOMPARE(testsupport::rowCount(fixture.connection(), "Initial", "SectionID=1"), left);
     QCOMPARE(sheet->grid().Rows(), left);
     if (left < 5) {
-      QCOMPARE(fixture.initialAt(1) + fixture.initialAt(3), -2.0);
+      for (int row : selected) QCOMPARE(fixture.initialAt(row), -1.0);
       QCOMPARE(fixture.initialAt(0), 9.0);  // saved before deleting
       QVERIFY(!sheet->isDirty());
     }

@@ -116,6 +116,22 @@ class TestGridControl : public QObject {
     QCOMPARE(grid->SelectedIndex(1), -1);
   }
 
+  void aClickOnACellEndsAHeaderSelection_data() {
+    QTest::addColumn<bool>("rowHeader");
+    QTest::newRow("row") << true;
+    QTest::newRow("column") << false;
+  }
+  void aClickOnACellEndsAHeaderSelection() {
+    QFETCH(bool, rowHeader);
+    auto grid = reportGrid(4, 8);
+    QHeaderView* header = rowHeader ? grid->rowHeader() : grid->columnHeader();
+    QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, sectionCentre(header, 2));
+    QCOMPARE(grid->SelectedIndex(1), 2);
+    QTest::mouseClick(grid->cellArea(), Qt::LeftButton, {}, grid->cellRect(5, 1).center());
+    QCOMPARE(grid->SelectedRowCount() + grid->SelectedColCount(), 0);
+    QCOMPARE(QPoint(grid->Col(), grid->Row()), QPoint(1, 5));
+  }
+
   void deletingScatteredRowsMovesTheRestUpWithTheirFormats() {
     auto grid = reportGrid(2, 8);
     grid->CellBold(5, 1, true);
