@@ -537,20 +537,15 @@ QString frmMain::input(const QString& title, const QString& prompt, const QStrin
 void frmMain::fileOpen() {
   // The computation reads the open project; replacing it under the run would crash.
   if (refusedWhileRunning()) return;
-  // The children are bound to the project they were opened on, so they close with it: what
-  // they hold unsaved is written first, while that project is still open.
-  const auto closeChildren = [this] {
+  // The children are bound to the project they were opened on, so they close with it, each
+  // sheet with unsaved edits asking first while that project is still open. A sheet the user
+  // keeps open keeps that project open.
+  const auto closeEveryChild = [this] {
+    if (!closeChildren([](QMdiSubWindow*) { return true; }, true)) return false;
     closeFilterWindow();
-    for (QMdiSubWindow* child : m_mdiArea->subWindowList()) {
-      if (auto* sheet = qobject_cast<sheets::frmDataGrid*>(child->widget())) sheet->SaveBeforeAdd();
-    }
-    m_mdiArea->closeAllSubWindows();
-    // A sheet whose rows could not be written would stay behind on a closed connection.
-    for (QMdiSubWindow* child : m_mdiArea->subWindowList()) {
-      if (child->isVisible()) delete child;
-    }
+    return true;
   };
-  switch (OpenDatabase(m_state, this, false, closeChildren)) {
+  switch (OpenDatabase(m_state, this, false, closeEveryChild)) {
     case OpenResult::Cancelled:
       return;
     case OpenResult::Refused:
@@ -1021,20 +1016,42 @@ void frmMain::showChild(QWidget* window) {
 
 // ---- Closing
 
+bool frmMain::closeChildren(const std::function<bool(QMdiSubWindow*)>& which, bool askToSave) {
+  QList<QPointer<QMdiSubWindow>> closing;
+  for (QMdiSubWindow* child : m_mdiArea->subWindowList())
+    if (which(child)) closing.append(child);
+  // Every question is answered before anything closes, so a Cancel leaves every window as it was.
+  if (askToSave) {
+    QMdiSubWindow* active = m_mdiArea->activeSubWindow();
+    for (QMdiSubWindow* child : closing) {
+      auto* sheet = qobject_cast<sheets::frmDataGrid*>(child->widget());
+      if (!sheet || !sheet->isDirty()) continue;
+      m_mdiArea->setActiveSubWindow(child);  // the question is about the sheet in front
+      if (sheet->askToSaveBeforeClosing() == sheets::MessageAnswer::Cancel) return false;
+    }
+    if (active) m_mdiArea->setActiveSubWindow(active);
+  }
+  bool allClosed = true;
+  for (const QPointer<QMdiSubWindow>& child : closing) {
+    if (!child) continue;
+    // What is left unsaved now was refused, or belongs to rows that are gone.
+    if (auto* sheet = qobject_cast<sheets::frmDataGrid*>(child->widget())) sheet->setDirty(false);
+    allClosed = child->close() && allClosed;
+  }
+  return allClosed;
+}
+
 void frmMain::closeEvent(QCloseEvent* event) {
   if (refusedWhileRunning()) {
     event->ignore();
     return;
   }
-  closeFilterWindow();
-  m_mdiArea->closeAllSubWindows();
-  for (QMdiSubWindow* child : m_mdiArea->subWindowList()) {
-    // A sheet whose user chose to go on editing keeps the program open.
-    if (child->isVisible()) {
-      event->ignore();
-      return;
-    }
+  // A sheet whose user chose to go on editing keeps the program, and every window, open.
+  if (!closeChildren([](QMdiSubWindow*) { return true; }, true)) {
+    event->ignore();
+    return;
   }
+  closeFilterWindow();
   saveSettings();
   if (m_helpWindow) m_helpWindow->close();
   event->accept();

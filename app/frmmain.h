@@ -157,6 +157,11 @@ class frmMain : public QMainWindow, public sheets::MainWindowLink {
   // write rows or start another computation over it are refused: the status bar says why, and
   // this returns true.
   bool refusedWhileRunning();
+  // Closes the children for which which() holds. With askToSave, every data sheet among them
+  // with unsaved edits first asks whether to save them, and a Cancel (or a save that fails)
+  // closes nothing and returns false; without it their edits are dropped, as for rows that were
+  // deleted. False too when a child refused to close.
+  bool closeChildren(const std::function<bool(QMdiSubWindow*)>& which, bool askToSave);
   // Opens a new data sheet through layout; false when a database error ended the command.
   bool openDataSheet(const std::function<void(sheets::frmDataGrid&)>& layout);
   void message(const QString& text, sheets::MessageIcon icon);

@@ -41,7 +41,7 @@ void ensureDemoProject(const QString& folder) {
 }
 
 OpenResult OpenDatabase(AppState& state, QWidget* parent, bool atStartup,
-                        const std::function<void()>& beforeReplacing) {
+                        const std::function<bool()>& beforeReplacing) {
   const QString folder = dataFolder();
   if (atStartup) {
     try {
@@ -57,11 +57,11 @@ OpenResult OpenDatabase(AppState& state, QWidget* parent, bool atStartup,
 }
 
 OpenResult adoptProject(AppState& state, std::unique_ptr<db::Connection> connection,
-                        const QString& path, const std::function<void()>& beforeReplacing) {
+                        const QString& path, const std::function<bool()>& beforeReplacing) {
   auto session = std::make_unique<engine::EngineSession>(*connection, *state.reporter);
   session->setNumberSymbols(localeSymbols());
   if (session->LoadDesignProfile()) return OpenResult::Refused;
-  if (beforeReplacing) beforeReplacing();
+  if (beforeReplacing && !beforeReplacing()) return OpenResult::Cancelled;
 
   // The engine refers to the connection, so it goes first.
   state.engine.reset();

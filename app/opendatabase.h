@@ -37,12 +37,14 @@ enum class OpenResult {
 // data folder. On Refused the refused file's connection is already closed and the state
 // still holds the previous project, if any. beforeReplacing runs once the new project is
 // accepted and while the previous one is still open: the place to close windows that use it.
+// When it returns false (the user chose to keep a window), the new file is closed again and the
+// result is Cancelled.
 OpenResult OpenDatabase(AppState& state, QWidget* parent, bool atStartup,
-                        const std::function<void()>& beforeReplacing = {});
+                        const std::function<bool()>& beforeReplacing = {});
 
 // The same for a file already open: checks its design profile and makes it the state's
 // project. Used by OpenDatabase and by tests.
 OpenResult adoptProject(AppState& state, std::unique_ptr<db::Connection> connection,
-                        const QString& path, const std::function<void()>& beforeReplacing = {});
+                        const QString& path, const std::function<bool()>& beforeReplacing = {});
 
 }  // namespace app

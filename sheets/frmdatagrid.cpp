@@ -379,21 +379,21 @@ void frmDataGrid::releaseMainWindow() {
   if (m_context.mouseWheel) m_context.mouseWheel->UnhookMouseWheel(this);
 }
 
+MessageAnswer frmDataGrid::askToSaveBeforeClosing() {
+  if (!m_dirty) return MessageAnswer::No;
+  const MessageAnswer answer = m_context.ask(
+      this,
+      QStringLiteral("The db has changed since it was last saved. Do you wish to save changes "
+                     "before closing ?"),
+      QStringLiteral("Save Changes"), MessageButtons::YesNoCancel, MessageIcon::Question);
+  if (answer == MessageAnswer::Yes && !save()) return MessageAnswer::Cancel;
+  return answer;
+}
+
 void frmDataGrid::closeEvent(QCloseEvent* event) {
-  if (m_dirty) {
-    const MessageAnswer answer = m_context.ask(
-        this,
-        QStringLiteral("The db has changed since it was last saved. Do you wish to save changes "
-                       "before closing ?"),
-        QStringLiteral("Save Changes"), MessageButtons::YesNoCancel, MessageIcon::Question);
-    if (answer == MessageAnswer::Cancel) {
-      event->ignore();
-      return;
-    }
-    if (answer == MessageAnswer::Yes && !save()) {
-      event->ignore();
-      return;
-    }
+  if (askToSaveBeforeClosing() == MessageAnswer::Cancel) {
+    event->ignore();
+    return;
   }
   if (m_active) {
     m_active = false;

@@ -82,6 +82,11 @@ class frmDataGrid : public QWidget, public WheelAware {
   // that row is written, otherwise the sheet is marked dirty.
   void rowEdited(int row);
 
+  // Before the sheet closes: with unsaved edits, asks whether to save them ("Save Changes", Yes,
+  // No, Cancel) and saves on Yes; a save that fails gives Cancel. A clean sheet asks nothing and
+  // gives No. The sheet stays open and dirty after No: whoever closes it discards the edits.
+  MessageAnswer askToSaveBeforeClosing();
+
   bool isDirty() const { return m_dirty; }
   void setDirty(bool dirty) { m_dirty = dirty; }
 

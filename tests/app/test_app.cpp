@@ -354,7 +354,11 @@ void TestApp::adoptingNeedsADesignProfileThenResetsTheSelection() {
   };
 
   bool replaced = false;
-  QCOMPARE(app::adoptProject(state, db::openProject(empty), empty, [&] { replaced = true; }),
+  QCOMPARE(app::adoptProject(state, db::openProject(empty), empty,
+                             [&] {
+                               replaced = true;
+                               return true;
+                             }),
            app::OpenResult::Refused);
   QVERIFY(!replaced);
   QCOMPARE(desktop.messages,
@@ -363,10 +367,20 @@ void TestApp::adoptingNeedsADesignProfileThenResetsTheSelection() {
   QCOMPARE(state.cnProject.get(), kept);
   QCOMPARE(selection(), old + QStringLiteral(" 4 9 old"));
 
-  // Windows on the previous project close while its connection is still open.
+  // Windows on the previous project close while its connection is still open; a window the
+  // user keeps open keeps that project.
   desktop.messages.clear();
   QString openDuringSwitch;
-  const auto closeWindows = [&] { openDuringSwitch = state.cnProject->path(); };
+  bool windowsClose = false;
+  const auto closeWindows = [&] {
+    openDuringSwitch = state.cnProject->path();
+    return windowsClose;
+  };
+  QCOMPARE(app::adoptProject(state, db::openProject(demo), demo, closeWindows),
+           app::OpenResult::Cancelled);
+  QCOMPARE(state.cnProject.get(), kept);
+  QCOMPARE(selection(), old + QStringLiteral(" 4 9 old"));
+  windowsClose = true;
   QCOMPARE(app::adoptProject(state, db::openProject(demo), demo, closeWindows),
            app::OpenResult::Opened);
   QCOMPARE(openDuringSwitch, old);

@@ -1,3 +1,4 @@
+#include "app/dlgselectdb.h"
 #include "app/frmsplash.h"
 #include "app/mdiarrange.h"
 #include "engine/session.h"
@@ -18,6 +19,28 @@
 using apptest::Desk;
 using sheets::MessageAnswer;
 
+namespace {
+
+// Packages 1 "P" and 2 "Q"; package 1 has sections 3 "A" and 4 "B", each with one reading at
+// level 100.
+void addTwoSections(Desk& desk) {
+  desk.exec("INSERT INTO Package (ID, Name) VALUES (1, 'P'), (2, 'Q')");
+  desk.exec("INSERT INTO Sections (ID, PackageID, Description) VALUES (3, 1, 'A'), (4, 1, 'B')");
+  desk.exec(
+      "INSERT INTO Initial (SectionID, Chainage, Offset, [Level]) VALUES (3, 0, 0, 100), "
+      "(4, 0, 0, 100)");
+}
+
+// Changes the Level of the first row of the active sheet, as the user types it.
+void typeLevel(Desk& desk, const QString& level) {
+  sheets::GridControl& grid = desk.sheet()->grid();
+  grid.SetCurrentCell(0, 2);
+  Desk::typeAndEnter(grid, level);
+  QVERIFY(desk.sheet()->isDirty());
+}
+
+}  // namespace
+
 class TestFrmMain : public QObject {
   Q_OBJECT
 
@@ -35,6 +58,8 @@ class TestFrmMain : public QObject {
   void deletingTheOnlySectionRemovesItsRowsAndKeepsThePackage();
   void initialSetNeedsASectionAsksThenOrdersTheReadings();
   void drillDownWalksFromPackageToSection();
+  void openAndExitAskAboutUnsavedEdits_data();
+  void openAndExitAskAboutUnsavedEdits();
 
   void tilesSplitTheAreaAndIconsStackUpwards();
   void windowCommandsTileArrangeAndList();
@@ -254,6 +279,54 @@ void TestFrmMain::drillDownWalksFromPackageToSection() {
   desk.state.engine->clearQuantityChainagesMark();
   QCOMPARE(drillDown(), QStringLiteral("4|11|Delvane - North Canal - Reach A||0|1|11|/old"));
   QVERIFY(desk.state.engine->quantityChainagesOutOfDate());
+}
+
+void TestFrmMain::openAndExitAskAboutUnsavedEdits_data() {
+  QTest::addColumn<bool>("open");
+  QTest::addColumn<int>("answer");
+  // Stored level, children, whether the project is still the old one.
+  QTest::addColumn<QString>("after");
+  QTest::newRow("Open, Yes saves") << true << int(MessageAnswer::Yes) << "7|0|0";
+  QTest::newRow("Open, No drops the edit") << true << int(MessageAnswer::No) << "100|0|0";
+  QTest::newRow("Open, Cancel keeps everything") << true << int(MessageAnswer::Cancel) << "100|2|1";
+  QTest::newRow("Exit, No drops the edit") << false << int(MessageAnswer::No) << "100|0|1";
+  QTest::newRow("Exit, Cancel keeps everything")
+      << false << int(MessageAnswer::Cancel) << "100|2|1";
+}
+void TestFrmMain::openAndExitAskAboutUnsavedEdits() {
+  QFETCH(bool, open);
+  QFETCH(int, answer);
+  QFETCH(QString, after);
+  Desk desk;
+  addTwoSections(desk);
+  desk.state.settings.AutoSave = false;
+  desk.choose(1, 3);
+  desk.window->dataPackage();  // a clean sheet, closed first when all close
+  desk.window->dataInitial();
+  typeLevel(desk, QStringLiteral("7"));
+  desk.answer = static_cast<MessageAnswer>(answer);
+  const QString other = desk.folder.filePath(QStringLiteral("other.delvane"));
+  db::createProject(other, false);
+
+  if (open) {
+    QTimer::singleShot(0, desk.window.get(), [&other] {
+      if (auto* chooser = qobject_cast<app::dlgSelectDB*>(QApplication::activeModalWidget()))
+        chooser->openFile(other);
+    });
+    desk.trigger("mnuFileOpen");
+  } else {
+    desk.window->close();
+    Desk::settle();
+  }
+
+  const auto old = db::Connection::open(desk.path);
+  QCOMPARE(QStringLiteral("%1|%2|%3")
+               .arg(*old->scalar(QStringLiteral("SELECT Level FROM Initial WHERE SectionID=3")))
+               .arg(desk.window->mdiArea()->subWindowList().size())
+               .arg(desk.state.strDatabasePath == desk.path),
+           after);
+  QCOMPARE(desk.messages.size(), 1);
+  QCOMPARE(desk.messages[0].title, QStringLiteral("Save Changes"));
 }
 
 void TestFrmMain::tilesSplitTheAreaAndIconsStackUpwards() {
