@@ -86,6 +86,49 @@ void printScreenImage(QWidget& window, QPrinter& printer, QPainter& painter, con
   }
 }
 
+// What a child window shows the rows of, and so when it has to close: the Sections sheet those
+// of one package; the other data sheets, the reports and the page windows those of one section;
+// the Package sheet and any other window the whole project.
+enum class ChildScope { Project, Package, Section };
+
+ChildScope scopeOf(const QMdiSubWindow* child) {
+  QWidget* window = child->widget();
+  if (const auto* sheet = qobject_cast<const sheets::frmDataGrid*>(window)) {
+    if (sheet->strCurrentDataSheet == QLatin1String("Package")) return ChildScope::Project;
+    if (sheet->strCurrentDataSheet == QLatin1String("Sections")) return ChildScope::Package;
+    return ChildScope::Section;
+  }
+  if (qobject_cast<const sheets::frmReport*>(window) || qobject_cast<const PrintForm*>(window))
+    return ChildScope::Section;
+  return ChildScope::Project;
+}
+
+// The key of the package or section a child was opened on, kept on its frame.
+const char* const kShownKey = "shownKey";
+
+std::int32_t shownKey(const QMdiSubWindow* child) { return child->property(kShownKey).toInt(); }
+
+bool keyExists(db::Connection& connection, const QString& table, std::int32_t key) {
+  db::Statement query =
+      connection.prepare(QStringLiteral("SELECT ID FROM %1 WHERE ID=?").arg(table),
+                         QStringLiteral("Finding the row with ID %1 of %2").arg(key).arg(table));
+  query.bindKey(1, key);
+  return query.step();
+}
+
+// Whether the package or section a child shows is still in the project.
+bool shownRowsExist(db::Connection& connection, const QMdiSubWindow* child) {
+  switch (scopeOf(child)) {
+    case ChildScope::Package:
+      return keyExists(connection, QStringLiteral("Package"), shownKey(child));
+    case ChildScope::Section:
+      return keyExists(connection, QStringLiteral("Sections"), shownKey(child));
+    case ChildScope::Project:
+      break;
+  }
+  return true;
+}
+
 }  // namespace
 
 frmMain::frmMain(AppState& state, QWidget* parent) : QMainWindow(parent), m_state(state) {
@@ -624,7 +667,18 @@ void frmMain::editAdd() {
   db::Connection& connection = *m_state.cnProject;
   engine::Reporter* reporter = m_state.engine ? &m_state.engine->reporter() : nullptr;
   const QString name = sheet->strCurrentDataSheet;
+  // A sheet adds rows to the package or section it shows, never to one that was deleted.
+  QMdiSubWindow* child = activeChild();
+  const std::int32_t key = shownKey(child);
   try {
+    if (!shownRowsExist(connection, child)) {
+      message(QStringLiteral("The ") +
+                  (scopeOf(child) == ChildScope::Package ? QStringLiteral("package")
+                                                         : QStringLiteral("section")) +
+                  QStringLiteral(" of this sheet is no longer in the project; nothing was added."),
+              sheets::MessageIcon::Warning);
+      return;
+    }
     if (name == QLatin1String("DesignDetails") || name == QLatin1String("DesignLevels") ||
         name == QLatin1String("Outlets")) {
       const std::optional<std::int16_t> count =
@@ -633,7 +687,7 @@ void frmMain::editAdd() {
       if (!count) return;
       sheet->SaveBeforeAdd();
       engine::DelayedProgress progress(reporter, QStringLiteral("Adding records..."), *count);
-      db::AddSectionRows(connection, name, m_state.lngSectionID, *count,
+      db::AddSectionRows(connection, name, key, *count,
                          [&progress](int done) { progress.step(done); });
       sheet->RefreshData();
       if (m_state.engine && name != QLatin1String("Outlets")) m_state.engine->levelDataChanged();
@@ -647,7 +701,7 @@ void frmMain::editAdd() {
       if (!chainage) return;
       sheet->SaveBeforeAdd();
       engine::DelayedProgress progress(reporter, QStringLiteral("Adding records..."), *count);
-      db::AddLevelRows(connection, name, m_state.lngSectionID, *chainage, *count,
+      db::AddLevelRows(connection, name, key, *chainage, *count,
                        [&progress](int done) { progress.step(done); });
       sheet->RefreshData();
       if (m_state.engine) m_state.engine->levelDataChanged();
@@ -658,7 +712,7 @@ void frmMain::editAdd() {
       sheet->SeekRecord(id);
     } else if (name == QLatin1String("Sections")) {
       sheet->SaveBeforeAdd();
-      const std::int32_t id = db::AddSection(connection, m_state.lngPackageID);
+      const std::int32_t id = db::AddSection(connection, key);
       sheet->RefreshData();
       sheet->SeekRecord(id);
     }
@@ -683,9 +737,11 @@ void frmMain::editDelete() {
       // removes nothing.
       sheet->DeleteRecord();
       db::DeleteOrphansAfterPackages(*m_state.cnProject);
+      forgetDeletedSelection();
     } else if (name == QLatin1String("Sections")) {
       sheet->DeleteRecord();
       db::DeleteOrphansAfterSections(*m_state.cnProject);
+      forgetDeletedSelection();
     }
   } catch (const db::Error&) {
     // Delete ends quietly at the failing statement.
@@ -920,9 +976,17 @@ void frmMain::DoubleClickHandler(int row) {
   const QString name = activeSheetName();
   try {
     if (name == QLatin1String("Package")) {
-      sheets::frmDataGrid* sheet = activeDataSheet();
-      m_state.lngPackageID = sheet->CurrentSelectedRecord();
-      activeChild()->close();
+      QMdiSubWindow* packageSheet = activeChild();
+      const std::int32_t chosen = activeDataSheet()->CurrentSelectedRecord();
+      // The sheets of another package close first; keeping one open keeps its package.
+      if (!closeChildren(
+              [chosen](QMdiSubWindow* child) {
+                return scopeOf(child) == ChildScope::Package && shownKey(child) != chosen;
+              },
+              true))
+        return;
+      m_state.lngPackageID = chosen;
+      packageSheet->close();
       db::Statement query = m_state.cnProject->prepare(
           QStringLiteral("SELECT [Name], Phase, District FROM Package WHERE ID=") +
               QString::number(m_state.lngPackageID),
@@ -932,9 +996,18 @@ void frmMain::DoubleClickHandler(int row) {
       EnableMenus();
       dataSections();
     } else if (name == QLatin1String("Sections")) {
-      sheets::frmDataGrid* sheet = activeDataSheet();
-      m_state.lngSectionID = sheet->CurrentSelectedRecord();
-      activeChild()->close();
+      QMdiSubWindow* sectionsSheet = activeChild();
+      const std::int32_t chosen = activeDataSheet()->CurrentSelectedRecord();
+      // The sheets, reports and page windows of another section close first, each sheet with
+      // unsaved edits asking; keeping one open keeps its section.
+      if (!closeChildren(
+              [chosen](QMdiSubWindow* child) {
+                return scopeOf(child) == ChildScope::Section && shownKey(child) != chosen;
+              },
+              true))
+        return;
+      m_state.lngSectionID = chosen;
+      sectionsSheet->close();
       db::Statement query = m_state.cnProject->prepare(
           QStringLiteral("SELECT [Description], [Title], [DesignID] FROM Sections WHERE ID=") +
               QString::number(m_state.lngSectionID),
@@ -1007,6 +1080,16 @@ void frmMain::closeFilterWindow() {
 
 void frmMain::showChild(QWidget* window) {
   QMdiSubWindow* child = m_mdiArea->addSubWindow(window);
+  switch (scopeOf(child)) {
+    case ChildScope::Package:
+      child->setProperty(kShownKey, m_state.lngPackageID);
+      break;
+    case ChildScope::Section:
+      child->setProperty(kShownKey, m_state.lngSectionID);
+      break;
+    case ChildScope::Project:
+      break;
+  }
   child->setAttribute(Qt::WA_DeleteOnClose);
   child->setWindowIcon(windowIcon());
   window->show();
@@ -1039,6 +1122,29 @@ bool frmMain::closeChildren(const std::function<bool(QMdiSubWindow*)>& which, bo
     allClosed = child->close() && allClosed;
   }
   return allClosed;
+}
+
+void frmMain::forgetDeletedSelection() {
+  db::Connection& connection = *m_state.cnProject;
+  const bool packageGone = m_state.lngPackageID != 0 &&
+                           !keyExists(connection, QStringLiteral("Package"), m_state.lngPackageID);
+  const bool sectionGone = m_state.lngSectionID != 0 &&
+                           !keyExists(connection, QStringLiteral("Sections"), m_state.lngSectionID);
+  closeChildren([&connection](QMdiSubWindow* child) { return !shownRowsExist(connection, child); },
+                false);
+  if (!packageGone && !sectionGone) return;
+  // Without a package there is no section either, as at start; without a section the package
+  // stays chosen.
+  if (packageGone) {
+    m_state.lngPackageID = 0;
+    m_state.strPackageName.clear();
+  }
+  m_state.lngSectionID = 0;
+  m_state.strSectionDescription.clear();
+  if (m_state.engine) m_state.engine->setSection(0);
+  setWindowTitle(m_state.lngPackageID ? kTitle + QStringLiteral(" - ") + m_state.strPackageName
+                                      : kTitle);
+  EnableMenus();
 }
 
 void frmMain::closeEvent(QCloseEvent* event) {

@@ -162,6 +162,9 @@ class frmMain : public QMainWindow, public sheets::MainWindowLink {
   // closes nothing and returns false; without it their edits are dropped, as for rows that were
   // deleted. False too when a child refused to close.
   bool closeChildren(const std::function<bool(QMdiSubWindow*)>& which, bool askToSave);
+  // After packages or sections were deleted: a current package or section that is gone stops
+  // being current, and the windows that show rows of a deleted one close.
+  void forgetDeletedSelection();
   // Opens a new data sheet through layout; false when a database error ended the command.
   bool openDataSheet(const std::function<void(sheets::frmDataGrid&)>& layout);
   void message(const QString& text, sheets::MessageIcon icon);

@@ -2,6 +2,7 @@
 #include "app/frmsplash.h"
 #include "app/mdiarrange.h"
 #include "engine/session.h"
+#include "sheets/modgridstyles.h"
 #include "tests/app/appfixture.h"
 #include "tests/qtestmain.h"
 
@@ -31,12 +32,31 @@ void addTwoSections(Desk& desk) {
       "(4, 0, 0, 100)");
 }
 
+// Double-clicks the row with that ID in the active sheet, as the user drills down.
+void drillDownTo(Desk& desk, int id) {
+  sheets::frmDataGrid* sheet = desk.sheet();
+  QVERIFY(sheet);
+  const int row = sheet->resultSet()->findId(id);
+  sheet->grid().SelectRow(row);
+  desk.window->DoubleClickHandler(row);
+  Desk::settle();
+}
+
 // Changes the Level of the first row of the active sheet, as the user types it.
 void typeLevel(Desk& desk, const QString& level) {
   sheets::GridControl& grid = desk.sheet()->grid();
   grid.SetCurrentCell(0, 2);
   Desk::typeAndEnter(grid, level);
   QVERIFY(desk.sheet()->isDirty());
+}
+
+// The titles of the open children, sorted, joined by ','.
+QString childTitles(const Desk& desk) {
+  QStringList titles;
+  for (QMdiSubWindow* child : desk.window->mdiArea()->subWindowList())
+    titles.append(child->windowTitle());
+  titles.sort();
+  return titles.join(QLatin1Char(','));
 }
 
 }  // namespace
@@ -58,6 +78,11 @@ class TestFrmMain : public QObject {
   void deletingTheOnlySectionRemovesItsRowsAndKeepsThePackage();
   void initialSetNeedsASectionAsksThenOrdersTheReadings();
   void drillDownWalksFromPackageToSection();
+  void deletingTheCurrentSelectionGoesBackAndClosesItsWindows_data();
+  void deletingTheCurrentSelectionGoesBackAndClosesItsWindows();
+  void addWritesNothingForAPackageOrSectionThatIsGone();
+  void choosingAnotherSectionClosesTheWindowsOfTheOldOne_data();
+  void choosingAnotherSectionClosesTheWindowsOfTheOldOne();
   void openAndExitAskAboutUnsavedEdits_data();
   void openAndExitAskAboutUnsavedEdits();
 
@@ -279,6 +304,103 @@ void TestFrmMain::drillDownWalksFromPackageToSection() {
   desk.state.engine->clearQuantityChainagesMark();
   QCOMPARE(drillDown(), QStringLiteral("4|11|Delvane - North Canal - Reach A||0|1|11|/old"));
   QVERIFY(desk.state.engine->quantityChainagesOutOfDate());
+}
+
+void TestFrmMain::deletingTheCurrentSelectionGoesBackAndClosesItsWindows_data() {
+  QTest::addColumn<QString>("sheet");
+  QTest::addColumn<int>("deleted");
+  // Package, section, caption, children, Sections and Initial enabled, section tool bar shown.
+  QTest::addColumn<QString>("after");
+  QTest::newRow("current section") << "Sections" << 3 << "1|0|Delvane - P|Sections|1|0|0";
+  QTest::newRow("current package") << "Package" << 1 << "0|0|Delvane|Package|0|0|0";
+  QTest::newRow("another section")
+      << "Sections" << 4 << "1|3|Delvane - P - A|Initial,Sections|1|1|1";
+}
+void TestFrmMain::deletingTheCurrentSelectionGoesBackAndClosesItsWindows() {
+  QFETCH(QString, sheet);
+  QFETCH(int, deleted);
+  QFETCH(QString, after);
+  Desk desk;
+  addTwoSections(desk);
+  desk.window->dataPackage();
+  drillDownTo(desk, 1);
+  drillDownTo(desk, 3);
+  desk.window->dataInitial();
+  if (sheet == QLatin1String("Package"))
+    desk.window->dataPackage();
+  else
+    desk.window->dataSections();
+  desk.sheet()->grid().SelectRow(desk.sheet()->resultSet()->findId(deleted));
+
+  desk.trigger("mnuEditDelete");
+
+  QCOMPARE(
+      QStringList({QString::number(desk.state.lngPackageID),
+                   QString::number(desk.state.lngSectionID), desk.window->windowTitle(),
+                   childTitles(desk), QString::number(desk.action("mnuDataSections")->isEnabled()),
+                   QString::number(desk.action("mnuDataInitial")->isEnabled()),
+                   QString::number(!desk.window->tbBlockBar()->isHidden())})
+          .join(QLatin1Char('|')),
+      after);
+  QCOMPARE(desk.state.engine->sectionId(), desk.state.lngSectionID);
+}
+
+// Another program deletes the package or section under an open sheet: Add adds no orphans.
+void TestFrmMain::addWritesNothingForAPackageOrSectionThatIsGone() {
+  Desk desk;
+  addTwoSections(desk);
+  desk.choose(1, 3);
+  desk.window->dataInitial();
+  desk.window->dataSections();
+  desk.exec("DELETE FROM Package WHERE ID=1");
+  desk.exec("DELETE FROM Sections WHERE ID=3");
+  desk.inputs = {"2", "5"};
+  desk.trigger("mnuEditAdd");  // on the Sections sheet of package 1
+  desk.window->mdiArea()->activatePreviousSubWindow();
+  QCOMPARE(desk.childTitle(), QStringLiteral("Initial"));
+  desk.trigger("mnuEditAdd");
+  QCOMPARE(desk.count(QStringLiteral("Sections")), 1);
+  QCOMPARE(desk.count(QStringLiteral("Initial")), 2);
+  QCOMPARE(desk.messages.size(), 2);
+  QVERIFY2(desk.messages[0].text.contains(QStringLiteral("package")),
+           qPrintable(desk.messagesText()));
+  QVERIFY2(desk.messages[1].text.contains(QStringLiteral("section")),
+           qPrintable(desk.messagesText()));
+}
+
+void TestFrmMain::choosingAnotherSectionClosesTheWindowsOfTheOldOne_data() {
+  QTest::addColumn<int>("answer");
+  // Section, stored level, children.
+  QTest::addColumn<QString>("after");
+  QTest::newRow("Yes saves") << int(MessageAnswer::Yes) << "4|7|";
+  QTest::newRow("No drops the edit") << int(MessageAnswer::No) << "4|100|";
+  QTest::newRow("Cancel keeps the old section")
+      << int(MessageAnswer::Cancel) << "3|100|Area Calculation for Chainage : 0,Initial,Sections";
+}
+void TestFrmMain::choosingAnotherSectionClosesTheWindowsOfTheOldOne() {
+  QFETCH(int, answer);
+  QFETCH(QString, after);
+  Desk desk;
+  addTwoSections(desk);
+  desk.state.settings.AutoSave = false;
+  desk.window->dataPackage();
+  drillDownTo(desk, 1);
+  drillDownTo(desk, 3);
+  sheets::modGridStyles::ShowAreaCalculation(desk.window->sheetContext(), 0.0f);
+  desk.window->dataInitial();
+  typeLevel(desk, QStringLiteral("7"));
+  desk.window->dataSections();
+  desk.answer = static_cast<MessageAnswer>(answer);
+
+  drillDownTo(desk, 4);
+
+  QCOMPARE(QStringLiteral("%1|%2|%3")
+               .arg(desk.state.lngSectionID)
+               .arg(*desk.scalar(QStringLiteral("SELECT Level FROM Initial WHERE SectionID=3")))
+               .arg(childTitles(desk)),
+           after);
+  QCOMPARE(desk.messages.size(), 1);
+  QCOMPARE(desk.messages[0].title, QStringLiteral("Save Changes"));
 }
 
 void TestFrmMain::openAndExitAskAboutUnsavedEdits_data() {
