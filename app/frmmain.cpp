@@ -670,6 +670,12 @@ void frmMain::editAdd() {
   // A sheet adds rows to the package or section it shows, never to one that was deleted.
   QMdiSubWindow* child = activeChild();
   const std::int32_t key = shownKey(child);
+  // The sheet is saved first; a row it cannot write stops the command, since the refresh after
+  // the insert would drop the edit.
+  const auto savedBeforeAdd = [sheet] {
+    sheet->SaveBeforeAdd();
+    return !sheet->isDirty();
+  };
   try {
     if (!shownRowsExist(connection, child)) {
       message(QStringLiteral("The ") +
@@ -685,7 +691,7 @@ void frmMain::editAdd() {
           settingsNumber(input(QStringLiteral("Add Data"),
                                QStringLiteral("Number of records to add ?"), QStringLiteral("1")));
       if (!count) return;
-      sheet->SaveBeforeAdd();
+      if (!savedBeforeAdd()) return;
       engine::DelayedProgress progress(reporter, QStringLiteral("Adding records..."), *count);
       db::AddSectionRows(connection, name, key, *count,
                          [&progress](int done) { progress.step(done); });
@@ -699,19 +705,19 @@ void frmMain::editAdd() {
       const std::optional<float> chainage =
           leadingNumber(input(title, QStringLiteral("Chainage ?"), QStringLiteral("0")));
       if (!chainage) return;
-      sheet->SaveBeforeAdd();
+      if (!savedBeforeAdd()) return;
       engine::DelayedProgress progress(reporter, QStringLiteral("Adding records..."), *count);
       db::AddLevelRows(connection, name, key, *chainage, *count,
                        [&progress](int done) { progress.step(done); });
       sheet->RefreshData();
       if (m_state.engine) m_state.engine->levelDataChanged();
     } else if (name == QLatin1String("Package")) {
-      sheet->SaveBeforeAdd();
+      if (!savedBeforeAdd()) return;
       const std::int32_t id = db::AddPackage(connection, QDate::currentDate().year());
       sheet->RefreshData();
       sheet->SeekRecord(id);
     } else if (name == QLatin1String("Sections")) {
-      sheet->SaveBeforeAdd();
+      if (!savedBeforeAdd()) return;
       const std::int32_t id = db::AddSection(connection, key);
       sheet->RefreshData();
       sheet->SeekRecord(id);

@@ -81,6 +81,7 @@ class TestFrmMain : public QObject {
   void deletingTheCurrentSelectionGoesBackAndClosesItsWindows_data();
   void deletingTheCurrentSelectionGoesBackAndClosesItsWindows();
   void addWritesNothingForAPackageOrSectionThatIsGone();
+  void addStopsWhenTheSheetCannotBeSaved();
   void choosingAnotherSectionClosesTheWindowsOfTheOldOne_data();
   void choosingAnotherSectionClosesTheWindowsOfTheOldOne();
   void openAndExitAskAboutUnsavedEdits_data();
@@ -366,6 +367,22 @@ void TestFrmMain::addWritesNothingForAPackageOrSectionThatIsGone() {
            qPrintable(desk.messagesText()));
   QVERIFY2(desk.messages[1].text.contains(QStringLiteral("section")),
            qPrintable(desk.messagesText()));
+}
+
+// Add saves the sheet first; a refused entry stops it, and stays to be corrected.
+void TestFrmMain::addStopsWhenTheSheetCannotBeSaved() {
+  Desk desk;
+  addTwoSections(desk);
+  desk.state.settings.AutoSave = false;
+  desk.choose(1, 3);
+  desk.window->dataInitial();
+  typeLevel(desk, QStringLiteral("abc"));
+  desk.inputs = {"1", "5"};
+  desk.trigger("mnuEditAdd");
+  QCOMPARE(desk.count(QStringLiteral("Initial"), QStringLiteral("SectionID=3")), 1);
+  QCOMPARE(desk.sheet()->grid().Text(0, 2), QStringLiteral("abc"));
+  QVERIFY(desk.sheet()->isDirty());
+  QCOMPARE(desk.messages.size(), 1);  // the refusal
 }
 
 void TestFrmMain::choosingAnotherSectionClosesTheWindowsOfTheOldOne_data() {
