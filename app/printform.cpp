@@ -2,6 +2,8 @@
 
 #include "app/toolicons.h"
 #include "app/twips.h"
+#include "db/connection.h"
+#include "db/project.h"
 #include "drawing/pageoutput.h"
 #include "drawing/paintersurface.h"
 #include "drawing/previewlayout.h"
@@ -573,6 +575,15 @@ bool PrintForm::saveAs(const QString& path) {
   if (m_producer->pageCount() == 0) {
     message(QStringLiteral("The sheet has no pages to save."), sheets::MessageIcon::Information);
     return false;
+  }
+  // One file is written (a picture holds the page on screen): it may not be the project.
+  if (const db::Connection* project = m_context.currentConnection()) {
+    if (db::isSameFile(path, project->path())) {
+      message(QStringLiteral("%1 is the open project file; choose another name for the sheet.")
+                  .arg(QDir::toNativeSeparators(path)),
+              sheets::MessageIcon::Warning);
+      return false;
+    }
   }
   // A PDF holds the whole sheet; a picture holds the page on screen.
   const bool allPages = *format == drawing::PageFormat::Pdf;

@@ -5,8 +5,8 @@
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QImage>
 #include <QFile>
+#include <QImage>
 #include <QLabel>
 #include <QPrinter>
 #include <QRegularExpression>
@@ -126,6 +126,7 @@ class TestPrintForm : public QObject {
   void printsAtTrueScaleOrAsChosenWhenThePaperIsSmaller_data();
   void printsAtTrueScaleOrAsChosenWhenThePaperIsSmaller();
   void plotXSectionOpensTheSheetThatPrintsAndSavesAgain();
+  void savingNeverReplacesTheProject();
   void plotsOfSectionsWithFewChainagesSaySo_data();
   void plotsOfSectionsWithFewChainagesSaySo();
 };
@@ -314,6 +315,28 @@ void TestPrintForm::plotXSectionOpensTheSheetThatPrintsAndSavesAgain() {
   auto* executed = qobject_cast<PrintForm*>(desk.window->activeChild()->widget());
   QVERIFY(executed && executed != form);
   QCOMPARE(layersDrawnOnFirstPage(*executed), plain + 1);
+}
+
+void TestPrintForm::savingNeverReplacesTheProject() {
+  // A project whose name reads as a picture: saving the page under that name would replace it.
+  testsupport::TempProject project;
+  const QString name = QStringLiteral("survey.png");
+  db::Connection& connection = project.create(false, name);
+  QStringList messages;
+  sheets::SheetContext context;
+  context.connection = [&connection] { return &connection; };
+  context.message = [&messages](QWidget*, const QString& text, const QString&,
+                                sheets::MessageButtons, sheets::MessageIcon) {
+    messages.append(text);
+    return sheets::MessageAnswer::Ok;
+  };
+  SheetLog log;
+  PrintForm form(context, framedSheet(QSize(210, 297), 1, log));
+  QVERIFY(!form.saveAs(project.path(name)));
+  QCOMPARE(messages.size(), 1);
+  QFile file(project.path(name));
+  QVERIFY(file.open(QIODevice::ReadOnly));
+  QVERIFY(file.read(15) == "SQLite format 3");
 }
 
 void TestPrintForm::plotsOfSectionsWithFewChainagesSaySo_data() {
