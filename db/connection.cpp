@@ -210,6 +210,18 @@ Connection::~Connection() { sqlite3_close_v2(m_db); }
 
 namespace {
 
+// single(x): the number x narrowed to a single and widened again, so that a statement compares
+// measures as the program holds them; null for null and for what is no number.
+void singleOf(sqlite3_context* context, int, sqlite3_value** arguments) {
+  const int type = sqlite3_value_numeric_type(arguments[0]);
+  if (type != SQLITE_INTEGER && type != SQLITE_FLOAT) {
+    sqlite3_result_null(context);
+    return;
+  }
+  const float narrowed = static_cast<float>(sqlite3_value_double(arguments[0]));
+  sqlite3_result_double(context, static_cast<double>(narrowed));
+}
+
 // Opens path and reads its schema. sqlite3_open_v2 is lazy: reading the schema is what tells a
 // database from any other file, and taking a shared lock is what tells that another program
 // holds it. Returns SQLite's code of the first failure, SQLITE_OK when the file can be read.
@@ -218,6 +230,8 @@ int openAndProbe(const QByteArray& fileName, int flags, sqlite3*& db) {
   if (rc != SQLITE_OK) return rc;
   sqlite3_busy_timeout(db, kBusyTimeoutMs);
   sqlite3_extended_result_codes(db, 1);
+  sqlite3_create_function_v2(db, "single", 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr,
+                             &singleOf, nullptr, nullptr, nullptr);
   sqlite3_stmt* probe = nullptr;
   rc = sqlite3_prepare_v2(db, "SELECT count(*) FROM sqlite_master", -1, &probe, nullptr);
   if (rc == SQLITE_OK) rc = sqlite3_step(probe);

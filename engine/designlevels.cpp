@@ -129,15 +129,17 @@ void SyncQuantityChainages(EngineSession& session) {
     st.bindKey(1, section);
     haveQuantities = st.step();
   }
-  // The chainages already in DesignQty are compared as stored, so a chainage the program wrote
-  // into both tables matches itself exactly. Null chainages take no part in the lists.
+  // Chainages are compared as singles (the SQL function single), so one another program wrote
+  // as 12.39999999999999 is the 12.4 of the other table. Null chainages take no part in the
+  // lists.
   QString sql = QStringLiteral(
-      "INSERT INTO DesignQty (Chainage, SectionID) SELECT DISTINCT Chainage, SectionID FROM "
-      "Initial WHERE SectionID=?1");
+      "INSERT INTO DesignQty (Chainage, SectionID) SELECT min(Chainage), SectionID FROM Initial "
+      "WHERE SectionID=?1");
   if (haveQuantities)
     sql += QStringLiteral(
-        " AND Chainage NOT IN (SELECT Chainage FROM DesignQty WHERE SectionID=?1 AND Chainage IS "
-        "NOT NULL)");
+        " AND single(Chainage) NOT IN (SELECT single(Chainage) FROM DesignQty WHERE SectionID=?1 "
+        "AND single(Chainage) IS NOT NULL)");
+  sql += QStringLiteral(" GROUP BY single(Chainage)");
   connection.prepare(sql, QStringLiteral("Inserting new chainages in DesignQty"))
       .bindKey(1, section)
       .run();
@@ -154,9 +156,9 @@ void SyncQuantityChainages(EngineSession& session) {
     // With no survey left, the quantity chainages are kept rather than all deleted.
     if (haveSurveyed)
       connection
-          .prepare(QStringLiteral("DELETE FROM DesignQty WHERE SectionID=?1 AND Chainage NOT IN "
-                                  "(SELECT DISTINCT Chainage FROM Initial WHERE SectionID=?1 AND "
-                                  "Chainage IS NOT NULL)"),
+          .prepare(QStringLiteral("DELETE FROM DesignQty WHERE SectionID=?1 AND single(Chainage) "
+                                  "NOT IN (SELECT single(Chainage) FROM Initial WHERE "
+                                  "SectionID=?1 AND single(Chainage) IS NOT NULL)"),
                    QStringLiteral("Deleting old chainages from DesignQty"))
           .bindKey(1, section)
           .run();

@@ -111,8 +111,10 @@ TEST_F(DesignLevelsTest, ZeroLevelDisablesTheCacheForItsInterval) {
 
 TEST_F(DesignLevelsTest, SyncKeepsMatchingRowsAddsNewOnesAndDropsOldOnes) {
   exec(
-      "INSERT INTO Initial (SectionID, Chainage, Offset, [Level]) VALUES (1, 0.1, 0, 100), "
-      "(1, 0.3, -5, 100), (1, 0.3, 0, 100), (1, 0, 0, 100), (2, 0.5, 0, 100)");
+      "INSERT INTO Initial (SectionID, Chainage, Offset, [Level]) VALUES "
+      "(1, 0.10000000000000002, 0, 100), (1, 0.3, -5, 100), (1, 0.30000000000000004, 0, 100), "
+      "(1, 0, 0, 100), (2, 0.5, 0, 100)");
+  // Chainages another program wrote a bit off match those of the same single.
   exec(
       "INSERT INTO DesignQty (SectionID, Chainage, AreaCut, AreaFill) VALUES "
       "(1, 0.1, 4.5, 1.5), (1, 0.2, 3, 3), (2, 9, NULL, NULL)");
