@@ -24,8 +24,9 @@ void exportOptions(QCommandLineParser& parser) {
   parser.addOption({kExecuted, QStringLiteral("Compute the areas against the executed levels.")});
 }
 
-// Exit codes: 0 written, 1 invalid levels stopped the run (nothing written), 2 usage, 3 the
-// project cannot be opened or the output cannot be written.
+// Exit codes: 0 written, 1 invalid levels stopped the run (nothing written) or the sheet was
+// written with error-list lines, 2 usage, 3 the project cannot be opened or the output cannot be
+// written.
 int exportQuantity(Context& context) {
   int code = -1;
   const auto file = fileArgument(context, code);
@@ -73,7 +74,8 @@ int exportQuantity(Context& context) {
     }
     context.out << "Wrote the quantity sheet of section " << *section << " (" << result.rowCount
                 << " chainages) to " << QDir::toNativeSeparators(output) << ".\n";
-    return kOk;
+    // Written, but with error-list lines (a refused formula, missing levels): as quantities.
+    return project.reporter->errors().isEmpty() ? kOk : kDataProblems;
   });
 }
 
