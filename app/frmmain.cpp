@@ -40,6 +40,7 @@
 #include <QMenuBar>
 #include <QPageSetupDialog>
 #include <QPainter>
+#include <QPointer>
 #include <QPrintDialog>
 #include <QPrinter>
 #include <QRegularExpression>
@@ -483,9 +484,19 @@ void frmMain::runEngine(const std::function<void()>& computation) {
   // The run lets events through once per chainage; the switch would change its areas midway.
   m_engineRunning = true;
   m_chkUseExecutedLevel->setEnabled(false);
-  const auto idle = qScopeGuard([this] {
+  // A sheet saved while the run holds the file would fail: the open sheets wait for it.
+  QList<QPointer<QWidget>> waiting;
+  for (QMdiSubWindow* child : m_mdiArea->subWindowList())
+    if (auto* sheet = qobject_cast<sheets::frmDataGrid*>(child->widget());
+        sheet && sheet->isEnabled()) {
+      sheet->setEnabled(false);
+      waiting.append(sheet);
+    }
+  const auto idle = qScopeGuard([this, &waiting] {
     m_engineRunning = false;
     m_chkUseExecutedLevel->setEnabled(true);
+    for (const QPointer<QWidget>& sheet : waiting)
+      if (sheet) sheet->setEnabled(true);
     setStatusPanel(4, QString());
   });
   computation();

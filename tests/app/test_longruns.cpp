@@ -6,6 +6,7 @@
 
 #include <QApplication>
 #include <QMdiArea>
+#include <QPointer>
 #include <QPushButton>
 #include <QStandardPaths>
 #include <QTimer>
@@ -149,6 +150,19 @@ class TestLongRuns : public QObject {
     desk.trigger(command.toLatin1().constData());
     QCOMPARE(childTitles(desk), opened);
     QCOMPARE(QFileInfo::exists(desk.saveAs), opened.isEmpty());
+  }
+
+  void openSheetsWaitForTheRun() {
+    Desk desk(true);
+    desk.choose(1, 1);
+    desk.trigger("mnuDataInitial");
+    QPointer<QWidget> sheet = desk.sheet();
+    QVERIFY(sheet);
+    bool enabledDuringRun = true;
+    QTimer::singleShot(0, desk.window.get(), [&] { enabledDuringRun = sheet->isEnabled(); });
+    desk.trigger("mnuOutputViewQty");
+    QVERIFY(!enabledDuringRun);  // no typing that a save could not write
+    QVERIFY(sheet && sheet->isEnabled());
   }
 
   void aDatabaseErrorEndsTheRunWithTheProgressClosedAndSaysWhy() {
