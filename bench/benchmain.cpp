@@ -4,6 +4,7 @@
 // memory of a quantity run on each size, each measured in a fresh process.
 
 #include "bench/benchproject.h"
+#include "bench/keepingreporter.h"
 #include "db/connection.h"
 #include "db/project.h"
 #include "engine/modvariables.h"
@@ -111,26 +112,6 @@ void quantityRun(benchmark::State& state, const QString& path) {
   state.counters["fill_m3"] = session.quantityRun().TotalFillVolume;
 }
 
-// Keeps the console output and the mean CPU time per iteration of each benchmark, in seconds:
-// the machine is shared, and waiting for a core says nothing about the code.
-class KeepingReporter : public benchmark::ConsoleReporter {
- public:
-  KeepingReporter() : ConsoleReporter(isatty(fileno(stdout)) ? OO_Defaults : OO_Tabular) {}
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const Run& run : runs)
-      if (run.run_type == Run::RT_Iteration && !run.error_occurred && run.iterations > 0)
-        seconds[run.run_name.function_name] = run.cpu_accumulated_time / double(run.iterations);
-    ConsoleReporter::ReportRuns(runs);
-  }
-  std::map<std::string, double> seconds;
-};
-
-std::string msText(double seconds) {
-  char buf[32];
-  std::snprintf(buf, sizeof buf, "%.1f ms", seconds * 1000.0);
-  return buf;
-}
-
 // One quantity run in this process: prints the peak resident size before and after it.
 int measureMemory(const QString& path) {
   auto connection = db::openProject(path);
@@ -170,20 +151,20 @@ int main(int argc, char** argv) {
         ->MinTime(2.0);
 
   benchmark::Initialize(&argc, argv);
-  KeepingReporter reporter;
+  bench::KeepingReporter reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);
   benchmark::Shutdown();
 
-  const auto floor = reporter.seconds.find("floor/10000");
-  const auto run = reporter.seconds.find("quantity_run/10000");
-  if (floor == reporter.seconds.end() || run == reporter.seconds.end() || floor->second <= 0.0)
+  const auto floor = reporter.cpu.find("floor/10000");
+  const auto run = reporter.cpu.find("quantity_run/10000");
+  if (floor == reporter.cpu.end() || run == reporter.cpu.end() || floor->second <= 0.0)
     std::printf("ratio quantity_run_10000/floor: missing (the %s did not run)\n",
-                run == reporter.seconds.end() ? "quantity run" : "floor pass");
+                run == reporter.cpu.end() ? "quantity run" : "floor pass");
   else
     std::printf("ratio quantity_run_10000/floor: %.2f\n", run->second / floor->second);
   std::printf("(CPU time per pass: floor/10000 %s, quantity_run/10000 %s)\n",
-              floor == reporter.seconds.end() ? "-" : msText(floor->second).c_str(),
-              run == reporter.seconds.end() ? "-" : msText(run->second).c_str());
+              bench::msText(reporter.cpu, "floor/10000").c_str(),
+              bench::msText(reporter.cpu, "quantity_run/10000").c_str());
 
   for (int size : kSizes) {
     QProcess child;

@@ -136,13 +136,22 @@ class ReentrantReporter : public engine::RecordingReporter {
   int calls = 0;
 };
 
-TEST(QuantityRun, EventsDuringARunDoNotStartAnotherOverIt) {
+// The demo's section 2 (151 chainages), reporting to a reporter of type Reporter.
+template <typename Reporter>
+struct DemoSectionRun {
+  DemoSectionRun() : session(project.create(true), reporter) {
+    EXPECT_FALSE(session.LoadDesignProfile());
+    session.setSection(2);
+  }
   testsupport::TempProject project;
-  db::Connection& c = project.create(true);
-  ReentrantReporter reporter;
-  engine::EngineSession session(c, reporter);
-  ASSERT_FALSE(session.LoadDesignProfile());
-  session.setSection(2);
+  Reporter reporter;
+  engine::EngineSession session;
+};
+
+TEST(QuantityRun, EventsDuringARunDoNotStartAnotherOverIt) {
+  DemoSectionRun<ReentrantReporter> demo;
+  engine::EngineSession& session = demo.session;
+  ReentrantReporter& reporter = demo.reporter;
   reporter.session = &session;
   std::vector<QuantityRow> rows;
   ComputeQuantities(session, nullptr, -1.0f,
@@ -162,12 +171,9 @@ class CancellingReporter : public engine::RecordingReporter {
 };
 
 TEST(QuantityRun, CancelStopsBetweenChainagesWithoutTotals) {
-  testsupport::TempProject project;
-  db::Connection& c = project.create(true);
-  CancellingReporter reporter;
-  engine::EngineSession session(c, reporter);
-  ASSERT_FALSE(session.LoadDesignProfile());
-  session.setSection(2);
+  DemoSectionRun<CancellingReporter> demo;
+  engine::EngineSession& session = demo.session;
+  CancellingReporter& reporter = demo.reporter;
   reporter.cancelAt = 3;
   std::vector<QuantityRow> rows;
   MemoryReportGrid grid;
