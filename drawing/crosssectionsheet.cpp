@@ -52,11 +52,6 @@ int mmToHold(float units, int atLeast) {
   return std::max(atLeast, mm);
 }
 
-// Datum of a section: the whole metre below its lowest level.
-int datumOf(const engine::CrossSection& s) {
-  return s.hasPoints() ? static_cast<int>(std::floor(s.lowest)) - 1 : 0;
-}
-
 float highestOf(const engine::CrossSection& s) { return s.hasPoints() ? s.highest : 0.0f; }
 
 }  // namespace
@@ -71,7 +66,7 @@ CrossSectionSheet::CrossSectionSheet(std::vector<engine::CrossSection> sections,
 }
 
 float CrossSectionSheet::sectionHeight(const engine::CrossSection& s) const {
-  const float rise = std::floor(highestOf(s)) - static_cast<float>(datumOf(s));
+  const float rise = std::floor(highestOf(s)) - static_cast<float>(s.datum());
   return rise * m_unitsPerMetre + m_bandHeight + kGap + 1.0f;
 }
 
@@ -179,7 +174,7 @@ void CrossSectionSheet::drawSection(PageEngine& engine, const engine::CrossSecti
                                     const SectionPlacement& at) const {
   const float x = at.x;
   const float y = at.y;
-  const int datum = datumOf(s);
+  const int datum = s.datum();
   const float bandWidth = (s.largestLeft + s.largestRight) * m_unitsPerMetre;
   const engine::NumberSymbols& symbols = m_options.title.symbols;
 

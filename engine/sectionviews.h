@@ -2,6 +2,7 @@
 
 #include "engine/areas.h"
 
+#include <cmath>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -33,6 +34,8 @@ struct CrossSection {
   float largestRight = 0.0f;
 
   bool hasPoints() const { return lowest <= highest; }
+  // The whole metre below the lowest level, the line the drawings stand on; 0 without points.
+  int datum() const { return hasPoints() ? static_cast<int>(std::floor(lowest)) - 1 : 0; }
 };
 
 // Computes the cross-section of the current section at chainage, as the area computation does,
