@@ -56,30 +56,61 @@ float highestOf(const engine::CrossSection& s) { return s.hasPoints() ? s.highes
 
 }  // namespace
 
-CrossSectionSheet::CrossSectionSheet(std::vector<engine::CrossSection> sections,
-                                     CrossSectionSheetOptions options)
-    : m_sections(std::move(sections)), m_options(std::move(options)) {
-  m_unitsPerMetre =
-      m_options.scale > 0 ? static_cast<float>(1000.0 / (kMmPerUnit * m_options.scale)) : 1.0f;
-  m_bandHeight = m_options.executed ? kExecutedBand : kBand;
-  layOut();
+CrossSectionFigure::CrossSectionFigure(float unitsPerMetre, bool executed, BandCaptions captions,
+                                       engine::NumberSymbols symbols)
+    : m_unitsPerMetre(unitsPerMetre),
+      m_executed(executed),
+      m_captions(captions),
+      m_symbols(std::move(symbols)),
+      m_bandHeight(executed ? kExecutedBand : kBand) {}
+
+void CrossSectionFigure::createLayers(PageEngine& engine) {
+  const QString font = QStringLiteral("Arial");
+  engine.pCreateLayer(kBlack, kFrameFill, 0, 1, 0, font, 8);
+  engine.pCreateLayer(kRed, 0, 0, 1, 0, font, 8);
+  engine.pCreateLayer(kBlue, 0, 0, 1, 0, font, 8);
+  engine.pCreateLayer(kGreen, 0, 0, 1, 0, font, 8);
 }
 
-float CrossSectionSheet::sectionHeight(const engine::CrossSection& s) const {
+float CrossSectionFigure::height(const engine::CrossSection& s) const {
   const float rise = std::floor(highestOf(s)) - static_cast<float>(s.datum());
   return rise * m_unitsPerMetre + m_bandHeight + kGap + 1.0f;
 }
 
-float CrossSectionSheet::sectionWidth(const engine::CrossSection& s) const {
+float CrossSectionFigure::width(const engine::CrossSection& s) const {
   return (s.largestLeft + s.largestRight) * m_unitsPerMetre + kLegendColumn;
+}
+
+QPointF CrossSectionFigure::positionOf(const engine::CrossSection& s, float x, float y,
+                                       double offset, double level) const {
+  const double cx = x + kLegendColumn + double{s.largestLeft} * m_unitsPerMetre;
+  const double yd = y - m_bandHeight;
+  return {cx + offset * m_unitsPerMetre, yd - (level - s.datum()) * m_unitsPerMetre};
+}
+
+QPointF CrossSectionFigure::valueAt(const engine::CrossSection& s, float x, float y,
+                                    QPointF position) const {
+  const double cx = x + kLegendColumn + double{s.largestLeft} * m_unitsPerMetre;
+  const double yd = y - m_bandHeight;
+  return {(position.x() - cx) / m_unitsPerMetre, s.datum() + (yd - position.y()) / m_unitsPerMetre};
+}
+
+CrossSectionSheet::CrossSectionSheet(std::vector<engine::CrossSection> sections,
+                                     CrossSectionSheetOptions options)
+    : m_sections(std::move(sections)),
+      m_options(std::move(options)),
+      m_figure(
+          m_options.scale > 0 ? static_cast<float>(1000.0 / (kMmPerUnit * m_options.scale)) : 1.0f,
+          m_options.executed, BandCaptions::Sheet, m_options.title.symbols) {
+  layOut();
 }
 
 void CrossSectionSheet::layOut() {
   float widest = 0.0f;
   float tallest = 0.0f;
   for (const engine::CrossSection& s : m_sections) {
-    widest = std::max(widest, sectionWidth(s));
-    tallest = std::max(tallest, sectionHeight(s));
+    widest = std::max(widest, m_figure.width(s));
+    tallest = std::max(tallest, m_figure.height(s));
   }
   m_pageWidthMm = mmToHold(kLeftMargin + widest + kRightMargin, kPageWidthMm);
   m_pageHeightMm = mmToHold(kTopPosition + tallest + kBottomMargin, kPageHeightMm);
@@ -102,8 +133,8 @@ void CrossSectionSheet::layOut() {
   for (int i = 0; i < static_cast<int>(m_sections.size()); ++i) {
     const engine::CrossSection& s = m_sections[i];
     if (page < 0 || counter % kSectionsPerPage == 0) startPage(i);
-    const float height = sectionHeight(s);
-    const float width = sectionWidth(s);
+    const float height = m_figure.height(s);
+    const float width = m_figure.width(s);
     if (counter > 0 && y + height > columnLimit) {
       const float nextX = x + columnWidth + kGap;
       if (nextX + width > pageRight) {
@@ -132,11 +163,7 @@ int CrossSectionSheet::sectionsOn(int first, int last) const {
 void CrossSectionSheet::drawPage(PageEngine& engine, int page) const {
   engine.pSetPage(static_cast<std::int16_t>(m_pageWidthMm),
                   static_cast<std::int16_t>(m_pageHeightMm));
-  const QString font = QStringLiteral("Arial");
-  engine.pCreateLayer(kBlack, kFrameFill, 0, 1, 0, font, 8);
-  engine.pCreateLayer(kRed, 0, 0, 1, 0, font, 8);
-  engine.pCreateLayer(kBlue, 0, 0, 1, 0, font, 8);
-  engine.pCreateLayer(kGreen, 0, 0, 1, 0, font, 8);
+  CrossSectionFigure::createLayers(engine);
   if (page < 0 || page >= static_cast<int>(m_firstOnPage.size())) return;
 
   const int first = m_firstOnPage[page];
@@ -151,7 +178,7 @@ void CrossSectionSheet::drawPage(PageEngine& engine, int page) const {
       engine.pDrawPolyLine({0, 0, 0, w, 0, 0, w, h, 0, 0, h, 0, 0, 0, 0});
       drawTitle(engine, page);
     }
-    drawSection(engine, m_sections[i], m_placements[i]);
+    m_figure.draw(engine, m_sections[i], m_placements[i].x, m_placements[i].y);
   }
 }
 
@@ -170,16 +197,14 @@ void CrossSectionSheet::drawTitle(PageEngine& engine, int page) const {
                     text, kTextBottom);
 }
 
-void CrossSectionSheet::drawSection(PageEngine& engine, const engine::CrossSection& s,
-                                    const SectionPlacement& at) const {
-  const float x = at.x;
-  const float y = at.y;
+void CrossSectionFigure::draw(PageEngine& engine, const engine::CrossSection& s, float x,
+                              float y) const {
   const int datum = s.datum();
   const float bandWidth = (s.largestLeft + s.largestRight) * m_unitsPerMetre;
-  const engine::NumberSymbols& symbols = m_options.title.symbols;
+  const engine::NumberSymbols& symbols = m_symbols;
 
   // What the section is: its chainage and areas, at the top of its slot.
-  const float slotTop = y - sectionHeight(s);
+  const float slotTop = y - height(s);
   engine.pDrawText(x + kLegendColumn, slotTop + 0.2f,
                    QStringLiteral("CHAINAGE %1 KM    CUT %2 Sqm.    FILL %3 Sqm.")
                        .arg(engine::formatNumber(s.chainage, 3, symbols),
@@ -195,19 +220,19 @@ void CrossSectionSheet::drawSection(PageEngine& engine, const engine::CrossSecti
   engine.pSetLayer(kExistingLayer);
   drawSectionLine(engine, cx, yd, y - kBandPair, static_cast<float>(datum), s.groundLeft,
                   s.groundRight);
-  if (m_options.executed) {
+  if (m_executed) {
     engine.pSetLayer(kExecutedLayer);
     drawSectionLine(engine, cx, yd, y - 2.0f * kBandPair, static_cast<float>(datum), s.executedLeft,
                     s.executedRight);
   }
 }
 
-void CrossSectionSheet::drawLegend(PageEngine& engine, float x, float y, float datum, float highest,
-                                   float bandWidth) const {
-  const engine::NumberSymbols& symbols = m_options.title.symbols;
+void CrossSectionFigure::drawLegend(PageEngine& engine, float x, float y, float datum,
+                                    float highest, float bandWidth) const {
+  const engine::NumberSymbols& symbols = m_symbols;
   const float yd = y - m_bandHeight;
   std::vector<float> lines = {y - 2.0f, y - 4.0f, y - 6.0f};
-  if (m_options.executed) lines.insert(lines.end(), {y - 7.0f, y - 8.5f});
+  if (m_executed) lines.insert(lines.end(), {y - 7.0f, y - 8.5f});
 
   engine.pSetLayer(kFrameLayer);
   engine.pDrawBox(x, y, x + kLegendBox, yd);
@@ -216,13 +241,35 @@ void CrossSectionSheet::drawLegend(PageEngine& engine, float x, float y, float d
   const float left = x + kTitleInset;
   const float right = x + kScaleTickStart - 0.05f;
   const int wrapCentred = kTextCentre | kTextWordWrap;
-  engine.pDrawHText(left, y - 1.8f, right, y, QStringLiteral("DISTANCE IN METER"), wrapCentred);
-  engine.pDrawHText(left, y - 3.8f, right, y - 1.8f, QStringLiteral("DESIGNED LEVEL IN METER"),
-                    wrapCentred);
-  engine.pDrawHText(left, y - 5.8f, right, y - 3.8f, QStringLiteral("DISTANCE IN METER"),
-                    wrapCentred);
-  engine.pDrawHText(left, y - 7.8f, right, y - 5.8f, QStringLiteral("EXISTING LEVEL IN METER"),
-                    wrapCentred);
+  if (m_captions == BandCaptions::Sheet) {
+    engine.pDrawHText(left, y - 1.8f, right, y, QStringLiteral("DISTANCE IN METER"), wrapCentred);
+    engine.pDrawHText(left, y - 3.8f, right, y - 1.8f, QStringLiteral("DESIGNED LEVEL IN METER"),
+                      wrapCentred);
+    engine.pDrawHText(left, y - 5.8f, right, y - 3.8f, QStringLiteral("DISTANCE IN METER"),
+                      wrapCentred);
+    engine.pDrawHText(left, y - 7.8f, right, y - 5.8f, QStringLiteral("EXISTING LEVEL IN METER"),
+                      wrapCentred);
+  } else {
+    // The viewer's captions, one line each in the middle of its row; the rows of final levels
+    // are named too.
+    struct Row {
+      float bottom;
+      float top;
+      const char* caption;
+    };
+    std::vector<Row> rows = {{y, y - 2.0f, "DISTANCE (M)"},
+                             {y - 2.0f, y - 4.0f, "DESIGNED LEVEL (M)"},
+                             {y - 4.0f, y - 6.0f, "DISTANCE (M)"},
+                             {y - 6.0f, y - 8.0f, "EXISTING LEVEL (M)"}};
+    if (m_executed) {
+      rows.back().top = y - 7.0f;
+      rows.push_back({y - 7.0f, y - 8.5f, "DISTANCE (M)"});
+      rows.push_back({y - 8.5f, yd, "FINAL LEVEL (M)"});
+    }
+    for (const Row& row : rows)
+      engine.pDrawHText(left, row.top, right, row.bottom, QString::fromLatin1(row.caption),
+                        kTextCentre | kTextMiddle | kTextWordWrap);
+  }
 
   engine.pDrawText(x + 0.25f, yd - 0.6f, QStringLiteral("DATUM"), 0);
   engine.pDrawText(x + 2.2f, yd - 0.6f, engine::formatNumber(datum, 1, symbols), 0);
@@ -247,9 +294,9 @@ void CrossSectionSheet::drawLegend(PageEngine& engine, float x, float y, float d
   engine.pDrawLine(from, y, to, y);
 }
 
-void CrossSectionSheet::drawSectionLine(PageEngine& engine, float cx, float yd, float yb,
-                                        float datum, const std::vector<engine::ProfilePoint>& left,
-                                        const std::vector<engine::ProfilePoint>& right) const {
+void CrossSectionFigure::drawSectionLine(PageEngine& engine, float cx, float yd, float yb,
+                                         float datum, const std::vector<engine::ProfilePoint>& left,
+                                         const std::vector<engine::ProfilePoint>& right) const {
   struct Point {
     float x;
     float y;
@@ -269,7 +316,7 @@ void CrossSectionSheet::drawSectionLine(PageEngine& engine, float cx, float yd, 
   for (const Point& p : points) line.insert(line.end(), {p.x, p.y, 0.0f});
   engine.pDrawPolyLine(line);
 
-  const engine::NumberSymbols& symbols = m_options.title.symbols;
+  const engine::NumberSymbols& symbols = m_symbols;
   float lastLabelled = -99.0f;
   for (const Point& p : points) {
     const float lx = p.x - 0.25f;

@@ -4,6 +4,8 @@
 #include "drawing/sheettitle.h"
 #include "engine/sectionviews.h"
 
+#include <QPointF>
+
 #include <vector>
 
 namespace drawing {
@@ -21,6 +23,52 @@ struct CrossSectionSheetOptions {
   // When a printout is fitted to smaller paper: the factor it is printed at (1 = true scale),
   // so that the title line states the scale the paper really has.
   double printFactor = 1.0;
+};
+
+// The captions of a cross-section's band rows: the sheets' own, or the section viewer's shorter
+// ones, which also name the rows of final (executed) levels.
+enum class BandCaptions { Sheet, Screen };
+
+// One cross-section as the sheets and the section viewer draw it: the legend column with the
+// level scale, the band of distances and levels under the section, the design, existing and
+// (when asked for) executed lines over the datum, and a line above naming the chainage and
+// areas. A figure stands at (x, y): the legend's left edge and the band's bottom edge.
+class CrossSectionFigure {
+ public:
+  CrossSectionFigure(float unitsPerMetre, bool executed, BandCaptions captions,
+                     engine::NumberSymbols symbols);
+
+  // The figure's four layers, created on a page just set, in the order draw() selects them.
+  static void createLayers(PageEngine& engine);
+
+  // From the top of the line naming the section down to the band's bottom edge.
+  float height(const engine::CrossSection& s) const;
+  // The legend column and the section across.
+  float width(const engine::CrossSection& s) const;
+  float bandHeight() const { return m_bandHeight; }
+  float unitsPerMetre() const { return m_unitsPerMetre; }
+
+  void draw(PageEngine& engine, const engine::CrossSection& s, float x, float y) const;
+
+  // Where the point at offset (negative left of the centre line) and level stands, and the
+  // offset and level at a position: the one mapping the drawing uses, so that a pick agrees
+  // with what is drawn.
+  QPointF positionOf(const engine::CrossSection& s, float x, float y, double offset,
+                     double level) const;
+  QPointF valueAt(const engine::CrossSection& s, float x, float y, QPointF position) const;
+
+ private:
+  void drawLegend(PageEngine& engine, float x, float y, float datum, float highest,
+                  float bandWidth) const;
+  void drawSectionLine(PageEngine& engine, float cx, float yd, float yb, float datum,
+                       const std::vector<engine::ProfilePoint>& left,
+                       const std::vector<engine::ProfilePoint>& right) const;
+
+  float m_unitsPerMetre;
+  bool m_executed;
+  BandCaptions m_captions;
+  engine::NumberSymbols m_symbols;
+  float m_bandHeight;
 };
 
 // Where one cross-section goes: its page, the x of its column and the y of its band's bottom
@@ -46,25 +94,15 @@ class CrossSectionSheet : public SheetProducer {
   // How many sections pages first to last (0-based, inclusive) hold.
   int sectionsOn(int first, int last) const;
   // Sheet units per metre of offset and level.
-  float unitsPerMetre() const { return m_unitsPerMetre; }
+  float unitsPerMetre() const { return m_figure.unitsPerMetre(); }
 
  private:
   void layOut();
-  float sectionHeight(const engine::CrossSection& s) const;
-  float sectionWidth(const engine::CrossSection& s) const;
-  void drawSection(PageEngine& engine, const engine::CrossSection& s,
-                   const SectionPlacement& at) const;
-  void drawLegend(PageEngine& engine, float x, float y, float datum, float highest,
-                  float bandWidth) const;
-  void drawSectionLine(PageEngine& engine, float cx, float yd, float yb, float datum,
-                       const std::vector<engine::ProfilePoint>& left,
-                       const std::vector<engine::ProfilePoint>& right) const;
   void drawTitle(PageEngine& engine, int page) const;
 
   std::vector<engine::CrossSection> m_sections;
   CrossSectionSheetOptions m_options;
-  float m_unitsPerMetre = 1.0f;
-  float m_bandHeight = 8.0f;
+  CrossSectionFigure m_figure;
   int m_pageWidthMm = 0;
   int m_pageHeightMm = 0;
   int m_pageCount = 0;

@@ -53,11 +53,11 @@ constexpr int kHeadroomMetres = 1;  // the level scale goes on this far above th
 // Between the band's ends and the first and last chainage: the labels there stay in the band.
 constexpr float kEndRoom = 0.5f;
 
-constexpr float kPageWidth = static_cast<float>(kPageWidthMm / kMmPerUnit);
 constexpr float kBandLeft = kMargin + kLegendColumn;
-constexpr float kBandRight = kPageWidth - kMargin;
 constexpr float kDrawingLeft = kBandLeft + kEndRoom;  // where a page's first chainage stands
-constexpr float kDrawingWidth = kBandRight - kEndRoom - kDrawingLeft;
+// On an A3 sheet.
+constexpr float kSheetDrawingWidth =
+    static_cast<float>(kPageWidthMm / kMmPerUnit) - kMargin - kEndRoom - kDrawingLeft;
 
 constexpr double kDefaultMetresPerPage = 1000.0;
 constexpr double kDefaultVerticalScale = 100.0;
@@ -194,6 +194,14 @@ LongSectionSheet::LongSectionSheet(engine::LongProfile profile, LongSectionSheet
   m_verticalScale =
       usable(m_options.verticalScale) ? m_options.verticalScale : kDefaultVerticalScale;
   m_unitsPerLevelMetre = static_cast<float>(1000.0 / m_verticalScale / kMmPerUnit);
+  if (usable(static_cast<float>(m_options.unitsPerKilometre))) {
+    m_drawingWidth = static_cast<float>(m_metresPerPage / 1000.0 * m_options.unitsPerKilometre);
+    m_pageWidthMm = static_cast<int>(
+        std::ceil((kDrawingLeft + m_drawingWidth + kEndRoom + kMargin) * kMmPerUnit));
+  } else {
+    m_drawingWidth = kSheetDrawingWidth;
+    m_pageWidthMm = kPageWidthMm;
+  }
   std::stable_sort(m_profile.rows.begin(), m_profile.rows.end(),
                    [](const auto& a, const auto& b) { return a.chainage < b.chainage; });
   planPages();
@@ -201,7 +209,7 @@ LongSectionSheet::LongSectionSheet(engine::LongProfile profile, LongSectionSheet
 
 int LongSectionSheet::pageCount() const { return static_cast<int>(m_pages.size()); }
 
-int LongSectionSheet::pageWidthMm() const { return kPageWidthMm; }
+int LongSectionSheet::pageWidthMm() const { return m_pageWidthMm; }
 
 int LongSectionSheet::pageHeightMm() const { return m_pageHeightMm; }
 
@@ -215,7 +223,8 @@ int LongSectionSheet::datumOf(int page) const {
 // profile's lowest and highest, which count readings at every offset.
 void LongSectionSheet::planPages() {
   m_pages.clear();
-  m_pageHeightMm = kMinPageHeightMm;
+  const int lowestHeightMm = m_options.unitsPerKilometre > 0 ? 0 : kMinPageHeightMm;
+  m_pageHeightMm = lowestHeightMm;
   const std::vector<engine::LongProfileRow>& rows = m_profile.rows;
   const int rowCount = static_cast<int>(rows.size());
   if (rowCount < 2) return;
@@ -263,8 +272,9 @@ void LongSectionSheet::planPages() {
   const double band = (shown.size() + 1) * double{kRowHeight};
   const double neededMm = (kDrawingTop + tallest + band + kMargin) * kMmPerUnit;
   // Whole centimetres, as the cross-section sheets grow.
-  m_pageHeightMm = static_cast<int>(std::clamp(std::ceil(neededMm / 10.0 - 1e-6) * 10.0,
-                                               double{kMinPageHeightMm}, double{kMaxPageHeightMm}));
+  m_pageHeightMm =
+      static_cast<int>(std::clamp(std::ceil(neededMm / 10.0 - 1e-6) * 10.0,
+                                  static_cast<double>(lowestHeightMm), double{kMaxPageHeightMm}));
 }
 
 QString LongSectionSheet::titleOf(int page) const {
@@ -273,7 +283,7 @@ QString LongSectionSheet::titleOf(int page) const {
     return QStringLiteral("Horizontal ") + scaleText(horizontal, symbols) +
            QStringLiteral(" Vertical ") + scaleText(vertical, symbols);
   };
-  const double horizontal = m_metresPerPage * 1000.0 / (kDrawingWidth * kMmPerUnit);
+  const double horizontal = m_metresPerPage * 1000.0 / (m_drawingWidth * kMmPerUnit);
   QString text = titleLead(m_options.title) + QStringLiteral(" - Longitudinal section - ") +
                  scales(horizontal, m_verticalScale);
   // A printout fitted to smaller paper names the scales the paper really has.
@@ -297,7 +307,20 @@ float LongSectionSheet::yOfLevel(double level, const PagePlan& plan) const {
 
 float LongSectionSheet::xOfChainage(double metres, const PagePlan& plan) const {
   const double across = std::clamp((metres - plan.startMetres) / m_metresPerPage, 0.0, 1.0);
-  return static_cast<float>(kDrawingLeft + across * kDrawingWidth);
+  return static_cast<float>(kDrawingLeft + across * m_drawingWidth);
+}
+
+QPointF LongSectionSheet::positionOf(int page, double metres, double level) const {
+  if (page < 0 || page >= pageCount()) return {};
+  return {xOfChainage(metres, m_pages[page]), yOfLevel(level, m_pages[page])};
+}
+
+QPointF LongSectionSheet::valueAt(int page, QPointF position) const {
+  if (page < 0 || page >= pageCount()) return {};
+  const PagePlan& plan = m_pages[page];
+  const double datumY = yOfLevel(plan.datum, plan);
+  return {plan.startMetres + (position.x() - kDrawingLeft) / m_drawingWidth * m_metresPerPage,
+          plan.datum + (datumY - position.y()) / m_unitsPerLevelMetre};
 }
 
 void LongSectionSheet::drawPage(PageEngine& engine, int page) const {
@@ -306,13 +329,15 @@ void LongSectionSheet::drawPage(PageEngine& engine, int page) const {
   const std::vector<engine::LongProfileRow>& rows = m_profile.rows;
   const std::vector<const Series*> shown = shownSeries(m_options.executed);
   const float pageHeight = static_cast<float>(m_pageHeightMm / kMmPerUnit);
+  const float pageWidth = static_cast<float>(m_pageWidthMm / kMmPerUnit);
+  const float bandRight = kDrawingLeft + m_drawingWidth + kEndRoom;
   const float bandTop = yOfLevel(plan.datum, plan);
   const float rowCount = static_cast<float>(shown.size() + 1);
   const float bandBottom = bandTop + rowCount * kRowHeight;
   const float legendRight = kMargin + kLegendBox;
   const auto rowFloor = [&](std::size_t row) { return bandTop + (row + 1) * kRowHeight; };
 
-  engine.pSetPage(static_cast<std::int16_t>(kPageWidthMm),
+  engine.pSetPage(static_cast<std::int16_t>(m_pageWidthMm),
                   static_cast<std::int16_t>(m_pageHeightMm));
   std::array<std::int16_t, kRoles> layer{};
   for (int role = 0; role < kRoles; ++role) {
@@ -323,16 +348,16 @@ void LongSectionSheet::drawPage(PageEngine& engine, int page) const {
 
   engine.pSetLayer(layer[kFrame]);
   engine.pDrawPolyLine(
-      {0, 0, 0, kPageWidth, 0, 0, kPageWidth, pageHeight, 0, 0, pageHeight, 0, 0, 0, 0});
-  engine.pDrawHText(kMargin, kTitleTop, kPageWidth - kMargin, kTitleBottom, titleOf(page),
+      {0, 0, 0, pageWidth, 0, 0, pageWidth, pageHeight, 0, 0, pageHeight, 0, 0, 0, 0});
+  engine.pDrawHText(kMargin, kTitleTop, pageWidth - kMargin, kTitleBottom, titleOf(page),
                     kTextMiddle);
 
   // The legend and the band's rows.
   engine.pDrawBox(kMargin, bandTop, legendRight, bandBottom);
-  engine.pDrawBox(kBandLeft, bandTop, kBandRight, bandBottom);
+  engine.pDrawBox(kBandLeft, bandTop, bandRight, bandBottom);
   for (std::size_t row = 0; row < shown.size(); ++row) {
     engine.pDrawLine(kMargin, rowFloor(row), legendRight, rowFloor(row));
-    engine.pDrawLine(kBandLeft, rowFloor(row), kBandRight, rowFloor(row));
+    engine.pDrawLine(kBandLeft, rowFloor(row), bandRight, rowFloor(row));
   }
   for (std::size_t row = 0; row <= shown.size(); ++row) {
     const char* caption = row < shown.size() ? shown[row]->caption : kChainageCaption;

@@ -4,6 +4,7 @@
 #include "drawing/sheettitle.h"
 #include "engine/sectionviews.h"
 
+#include <QPointF>
 #include <QString>
 
 #include <vector>
@@ -19,6 +20,10 @@ struct LongSectionSheetOptions {
   float fixedDatumValue = 0;   // "FixedDatumVal"
   SheetTitle title;
   double printFactor = 1.0;  // as for the cross-section sheets
+  // 0: a page's metres span the drawing width of an A3 sheet. Above 0 (the section viewer's
+  // picture): the page is as wide as its metres need at this many units a kilometre, and no
+  // higher than its levels need.
+  double unitsPerKilometre = 0.0;
 };
 
 // The longitudinal-section sheet: the ground on the left, centre and right and the design level
@@ -42,6 +47,12 @@ class LongSectionSheet : public SheetProducer {
   // two of them counts once.
   int chainagesOn(int first, int last) const;
 
+  // The mapping the drawing uses on a page, and back: where the chainage (in metres) and level
+  // stand, and the chainage and level at a position. Levels below the datum are drawn on the
+  // datum line; the way back does not clamp. A page that does not exist gives (0, 0).
+  QPointF positionOf(int page, double metres, double level) const;
+  QPointF valueAt(int page, QPointF position) const;
+
  private:
   // Where one page runs along the chainage and the levels it is drawn over.
   struct PagePlan {
@@ -60,6 +71,8 @@ class LongSectionSheet : public SheetProducer {
   engine::LongProfile m_profile;
   LongSectionSheetOptions m_options;
   double m_metresPerPage = 0.0;  // the options with their guards applied
+  int m_pageWidthMm = 0;
+  float m_drawingWidth = 0.0f;  // from a page's first chainage to its last possible one
   double m_verticalScale = 0.0;
   float m_unitsPerLevelMetre = 0.0f;  // sheet units per metre of level
   int m_pageHeightMm = 0;

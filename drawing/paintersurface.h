@@ -82,6 +82,23 @@ class PainterSurface : public DrawingSurface {
   std::vector<QLineF> m_lines;  // waiting to be drawn, in turned coordinates
 };
 
+// Draws on a painter the caller owns, such as a widget's in its paint event, with the page's
+// corner at origin (device pixels).
+class ExternalPainterSurface : public PainterSurface {
+ public:
+  ExternalPainterSurface(QPainter& painter, double dotsPerInch, QPointF origin = {})
+      : PainterSurface(dotsPerInch), m_target(painter), m_origin(origin) {}
+  void beginPage(int, int) override {
+    setOrigin(m_origin);
+    setPainter(&m_target);
+  }
+  void endPage() override { setPainter(nullptr); }
+
+ private:
+  QPainter& m_target;
+  QPointF m_origin;
+};
+
 // Pages as images at dotsPerInch, white paper; for the preview and for PNG files.
 class ImageSurface : public PainterSurface {
  public:

@@ -41,8 +41,8 @@ float largestOffset(const std::vector<ProfilePoint>& ground,
 
 }  // namespace
 
-CrossSection computeCrossSection(EngineSession& session, float chainage) {
-  computeSectionAreas(session, chainage, false);
+CrossSection computeCrossSection(EngineSession& session, float chainage, bool storeAreas) {
+  computeSectionAreas(session, chainage, storeAreas);
   const AreaState& st = session.areas();
   CrossSection s;
   s.chainage = chainage;

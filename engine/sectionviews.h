@@ -39,9 +39,10 @@ struct CrossSection {
 };
 
 // Computes the cross-section of the current section at chainage, as the area computation does,
-// without writing the areas back to the project. Data problems go to the session's reporter.
-// Call ResetDesignCache first when the chainages do not rise from the previous call.
-CrossSection computeCrossSection(EngineSession& session, float chainage);
+// writing the areas to the chainage's DesignQty row only when storeAreas is true. Data problems
+// go to the session's reporter. Call ResetDesignCache first when the chainages do not rise from
+// the previous call.
+CrossSection computeCrossSection(EngineSession& session, float chainage, bool storeAreas = false);
 
 // The cross-sections of every quantity chainage of the current section, in chainage order,
 // after ResetDesignCache (which brings the quantity chainages in line with the levels when they
