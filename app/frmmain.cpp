@@ -2,6 +2,7 @@
 
 #include "app/appstate.h"
 #include "app/frmoptions.h"
+#include "app/frmplotlxsection.h"
 #include "app/frmsplash.h"
 #include "app/helpwindow.h"
 #include "app/mdiarrange.h"
@@ -99,7 +100,8 @@ ChildScope scopeOf(const QMdiSubWindow* child) {
     if (sheet->strCurrentDataSheet == QLatin1String("Sections")) return ChildScope::Package;
     return ChildScope::Section;
   }
-  if (qobject_cast<const sheets::frmReport*>(window) || qobject_cast<const PrintForm*>(window))
+  if (qobject_cast<const sheets::frmReport*>(window) || qobject_cast<const PrintForm*>(window) ||
+      qobject_cast<const frmPlotLXSection*>(window))
     return ChildScope::Section;
   return ChildScope::Project;
 }
@@ -297,12 +299,11 @@ void frmMain::createMenus() {
   addMenuItem(data, QStringLiteral("mnuDataOutlets"), QStringLiteral("Outlets"),
               &frmMain::dataOutlets);
 
-  // The section viewers belong to the drawing windows, which are wired here when they exist.
   QMenu* output = addMenu(QStringLiteral("mnuOutput"), QStringLiteral("&Output"));
   addMenuItem(output, QStringLiteral("mnuOutputViewLSec"), QStringLiteral("View L Section"),
-              nullptr);
+              &frmMain::outputViewLSection);
   addMenuItem(output, QStringLiteral("mnuOutputViewXSec"), QStringLiteral("View X Section"),
-              nullptr);
+              &frmMain::outputViewXSection);
   addMenuItem(output, QStringLiteral("mnuOutputViewQty"), QStringLiteral("View Quantity"),
               &frmMain::outputViewQuantity);
   output->addSeparator();
@@ -424,9 +425,9 @@ void frmMain::createToolBars() {
                 &frmMain::initialSet);
   m_tbBlockBar->addSeparator();
   addToolButton(m_tbBlockBar, QStringLiteral("Lsection"), QStringLiteral("Longitudinal Section"),
-                QStringLiteral("Lsection"), nullptr);
+                QStringLiteral("Lsection"), &frmMain::outputViewLSection);
   addToolButton(m_tbBlockBar, QStringLiteral("Xsection"), QStringLiteral("Cross Section"),
-                QStringLiteral("Xsection"), nullptr);
+                QStringLiteral("Xsection"), &frmMain::outputViewXSection);
   addToolButton(m_tbBlockBar, QStringLiteral("QuantityReport"),
                 QStringLiteral("View Quantity Report"), QStringLiteral("QuantityReport"),
                 &frmMain::outputViewQuantity);
@@ -486,12 +487,15 @@ void frmMain::runEngine(const std::function<void()>& computation) {
   m_chkUseExecutedLevel->setEnabled(false);
   // A sheet saved while the run holds the file would fail: the open sheets wait for it.
   QList<QPointer<QWidget>> waiting;
-  for (QMdiSubWindow* child : m_mdiArea->subWindowList())
-    if (auto* sheet = qobject_cast<sheets::frmDataGrid*>(child->widget());
-        sheet && sheet->isEnabled()) {
-      sheet->setEnabled(false);
-      waiting.append(sheet);
+  for (QMdiSubWindow* child : m_mdiArea->subWindowList()) {
+    QWidget* window = child->widget();
+    const bool writes =
+        qobject_cast<sheets::frmDataGrid*>(window) || qobject_cast<frmPlotLXSection*>(window);
+    if (writes && window->isEnabled()) {
+      window->setEnabled(false);
+      waiting.append(window);
     }
+  }
   const auto idle = qScopeGuard([this, &waiting] {
     m_engineRunning = false;
     m_chkUseExecutedLevel->setEnabled(true);
@@ -867,6 +871,37 @@ void frmMain::outputViewQuantity() {
   if (!failure.isEmpty())
     message(QStringLiteral("The quantities could not be computed: ") + failure,
             sheets::MessageIcon::Critical);
+}
+
+void frmMain::outputViewLSection() { openSectionViewer(1); }
+
+void frmMain::outputViewXSection() { openSectionViewer(2); }
+
+frmPlotLXSection* frmMain::openSectionViewer(std::uint8_t byteLXMode) {
+  if (!m_state.cnProject || m_state.lngSectionID < 1 || refusedWhileRunning()) return nullptr;
+  auto* viewer = new frmPlotLXSection(m_context, byteLXMode);
+  showChild(viewer);
+  // Room for a wide cross-section and the tool row, within the work area.
+  if (QMdiSubWindow* child = activeChild(); child && child->widget() == viewer)
+    child->resize(viewer->sizeHint().boundedTo(m_mdiArea->viewport()->size()));
+  QPointer<frmPlotLXSection> alive(viewer);
+  runEngine([&alive] {
+    if (alive) alive->load();
+  });
+  return alive;
+}
+
+bool frmMain::runComputation(const std::function<void()>& computation) {
+  if (refusedWhileRunning()) return false;
+  runEngine(computation);
+  return true;
+}
+
+void frmMain::tableWritten(const QString& table) {
+  for (QMdiSubWindow* child : m_mdiArea->subWindowList()) {
+    auto* sheet = qobject_cast<sheets::frmDataGrid*>(child->widget());
+    if (sheet && sheet->strCurrentDataSheet == table && !sheet->isDirty()) sheet->RefreshData();
+  }
 }
 
 void frmMain::outputPlotLSection() {

@@ -31,6 +31,7 @@ class frmReport;
 namespace app {
 
 struct AppState;
+class frmPlotLXSection;
 
 // The program's multiple-document frame: menus, tool bars and status bar, the user's current
 // package and section, and the routing of every command to the active child window.
@@ -109,6 +110,11 @@ class frmMain : public QMainWindow, public sheets::MainWindowLink {
   void dataExecuted();
   void dataOutlets();
   void outputViewQuantity();
+  void outputViewLSection();
+  void outputViewXSection();
+  // Opens a new section viewer on the current section (1 longitudinal, 2 cross-section); null
+  // when none opened.
+  frmPlotLXSection* openSectionViewer(std::uint8_t byteLXMode);
   void outputPlotLSection();
   void outputPlotXSection();
   void outputExportQuantity();
@@ -136,6 +142,8 @@ class frmMain : public QMainWindow, public sheets::MainWindowLink {
   void closeFilterWindow() override;
   void showChild(QWidget* window) override;
   void DoubleClickHandler(int row) override;
+  bool runComputation(const std::function<void()>& computation) override;
+  void tableWritten(const QString& table) override;
 
  protected:
   void closeEvent(QCloseEvent* event) override;

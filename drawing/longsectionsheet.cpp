@@ -207,6 +207,10 @@ LongSectionSheet::LongSectionSheet(engine::LongProfile profile, LongSectionSheet
   planPages();
 }
 
+double LongSectionSheet::metresAcross(double widthUnits, double unitsPerKilometre) {
+  return (widthUnits - kDrawingLeft - kEndRoom - kMargin) / unitsPerKilometre * 1000.0;
+}
+
 int LongSectionSheet::pageCount() const { return static_cast<int>(m_pages.size()); }
 
 int LongSectionSheet::pageWidthMm() const { return m_pageWidthMm; }
@@ -347,10 +351,12 @@ void LongSectionSheet::drawPage(PageEngine& engine, int page) const {
   }
 
   engine.pSetLayer(layer[kFrame]);
-  engine.pDrawPolyLine(
-      {0, 0, 0, pageWidth, 0, 0, pageWidth, pageHeight, 0, 0, pageHeight, 0, 0, 0, 0});
-  engine.pDrawHText(kMargin, kTitleTop, pageWidth - kMargin, kTitleBottom, titleOf(page),
-                    kTextMiddle);
+  if (m_options.unitsPerKilometre <= 0) {
+    engine.pDrawPolyLine(
+        {0, 0, 0, pageWidth, 0, 0, pageWidth, pageHeight, 0, 0, pageHeight, 0, 0, 0, 0});
+    engine.pDrawHText(kMargin, kTitleTop, pageWidth - kMargin, kTitleBottom, titleOf(page),
+                      kTextMiddle);
+  }
 
   // The legend and the band's rows.
   engine.pDrawBox(kMargin, bandTop, legendRight, bandBottom);

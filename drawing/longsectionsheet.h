@@ -21,8 +21,8 @@ struct LongSectionSheetOptions {
   SheetTitle title;
   double printFactor = 1.0;  // as for the cross-section sheets
   // 0: a page's metres span the drawing width of an A3 sheet. Above 0 (the section viewer's
-  // picture): the page is as wide as its metres need at this many units a kilometre, and no
-  // higher than its levels need.
+  // picture): the page is as wide as its metres need at this many units a kilometre, no higher
+  // than its levels need, and has neither frame nor title line.
   double unitsPerKilometre = 0.0;
 };
 
@@ -34,6 +34,9 @@ struct LongSectionSheetOptions {
 class LongSectionSheet : public SheetProducer {
  public:
   LongSectionSheet(engine::LongProfile profile, LongSectionSheetOptions options);
+
+  // The metres of chainage a picture widthUnits wide holds at unitsPerKilometre.
+  static double metresAcross(double widthUnits, double unitsPerKilometre);
 
   int pageCount() const override;
   void drawPage(PageEngine& engine, int page) const override;

@@ -40,6 +40,15 @@ class MainWindowLink {
   virtual void showChild(QWidget* window) = 0;
   // A double-click on a row header of a data sheet or report; row is the grid row (0-based).
   virtual void DoubleClickHandler(int row) = 0;
+  // Runs an engine computation that a child window starts, with the program busy as for the
+  // main window's own; false, with nothing run, while another computation is under way.
+  virtual bool runComputation(const std::function<void()>& computation) {
+    computation();
+    return true;
+  }
+  // Rows of table ("Initial", "DesignLevels") were written outside the data sheets: the open
+  // sheets of that table show them, unless they hold unsaved edits of their own.
+  virtual void tableWritten(const QString& /*table*/) {}
 };
 
 // The buttons and icon of a message box, and the button that closed it.
