@@ -20,6 +20,7 @@ std::vector<const Command*> allCommands() {
   for (int i = 0; i < kExportCommandCount; ++i) all.push_back(&kExportCommands[i]);
   for (int i = 0; i < kQuantityCommandCount; ++i) all.push_back(&kQuantityCommands[i]);
   for (int i = 0; i < kPlotCommandCount; ++i) all.push_back(&kPlotCommands[i]);
+  for (int i = 0; i < kViewCommandCount; ++i) all.push_back(&kViewCommands[i]);
   return all;
 }
 

@@ -80,5 +80,7 @@ extern const Command kQuantityCommands[];
 extern const int kQuantityCommandCount;
 extern const Command kPlotCommands[];
 extern const int kPlotCommandCount;
+extern const Command kViewCommands[];
+extern const int kViewCommandCount;
 
 }  // namespace cli

@@ -1,5 +1,9 @@
 #include "cli/cli.h"
 #include "db/connection.h"
+#include "engine/designsection.h"
+#include "engine/reporter.h"
+#include "engine/sectionviews.h"
+#include "engine/session.h"
 #include "tests/cli/clirunner.h"
 #include "tests/testsupport.h"
 
@@ -17,6 +21,7 @@
 #include <gtest/gtest.h>
 
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include <unistd.h>
@@ -117,6 +122,8 @@ TEST_P(CliCommandTest, ExitsAndPrintsAsExpected) {
   ",[5,100,98,0,2,0,2,0,5,10,0,0,0,0,0,0,0,0,0],[0,100,98,0,2,0,0,0,0,0,0,0,0,0,0,0,0,0,0]"  \
   ",[5,100,98,0,2,0,2,0,5,10,0,0,0,0,0,0,0,0,0],[8,100,100,0,0,0,1,0,3,3,0,0,0,0,0,0,0,0,0]" \
   ",[10,100" ZEROS17 ",[20,100" ZEROS17 "]"
+#define HAND_DESIGN "[[0,98],[5,98],[8,100]]"
+#define HAND_GROUND "[[0,100],[10,100],[20,100]]"
 #define CANAL_POINTS "[[0,151],[3,151],[6.9,153.6],[10.9,153.6]]"
 #define BAD_INITIAL \
   "Null, Negative, Zero Values or Values not in acceptable range in Initial Levels."
@@ -295,6 +302,52 @@ INSTANTIATE_TEST_SUITE_P(
         CliCase{"PlotToUnwritableFolder", Project::HandBuilt, nullptr,
                 "plot FILE --section 1 --output DIR/nofolder/x.pdf", 3, "",
                 "nofolder/x.pdf cannot be written."},
+        // Section points. The hand-built cross-section: the design ends at its catch point.
+        CliCase{"SectionPointsJson", Project::HandBuilt, nullptr,
+                "section-points FILE --section 1 --chainage 0.1 --json", 0,
+                R"({"area_cut":26,"area_fill":0,"chainage":0.1,"datum":97,)"
+                R"("design":{"left":)" HAND_DESIGN R"(,"right":)" HAND_DESIGN R"(},)"
+                R"("executed":{"left":[],"right":[]},)"
+                R"("existing":{"left":)" HAND_GROUND R"(,"right":)" HAND_GROUND R"(},)"
+                R"("highest":100,"lowest":98})"
+                "\n"},
+        CliCase{"SectionPointsText", Project::HandBuilt, nullptr,
+                "section-points FILE --section 1 --chainage 0", 0,
+                "Section 1, chainage 0\n\n"
+                "Design\nSide\tDistance\tLevel\n"
+                "left\t0\t98\nleft\t5\t98\nleft\t8\t100\n"
+                "right\t0\t98\nright\t5\t98\nright\t8\t100\n\n"
+                "Existing\nSide\tDistance\tLevel\n"
+                "left\t0\t100\nleft\t10\t100\nleft\t20\t100\n"
+                "right\t0\t100\nright\t10\t100\nright\t20\t100\n\n"
+                "Cut area\t26\nFill area\t0\nDatum\t97\nLowest\t98\nHighest\t100\n"},
+        CliCase{"SectionPointsTextWithExecutedLevels", Project::Demo, nullptr,
+                "section-points FILE --section 1 --chainage 0.5 --executed", 0,
+                "~\n\nExecuted\nSide\tDistance\tLevel\nleft\t"},
+        // A stored chainage with neither ground nor design levels: nothing to stand on.
+        CliCase{"SectionPointsWithoutLevels", Project::HandBuilt,
+                "DELETE FROM Initial; DELETE FROM DesignLevels; INSERT INTO DesignQty (SectionID, "
+                "Chainage) VALUES (1, 0)",
+                "section-points FILE --section 1 --chainage 0 --json", 1,
+                R"({"area_cut":0,"area_fill":0,"chainage":0,"datum":null,)"
+                R"("design":{"left":[],"right":[]},"executed":{"left":[],"right":[]},)"
+                R"("existing":{"left":[],"right":[]},"highest":null,"lowest":null})"
+                "\n",
+                "Lower Design level not found"},
+        CliCase{"SectionPointsOfAnUnknownChainage", Project::Demo, nullptr,
+                "section-points FILE --section 1 --chainage 0.51 --json", 1, "",
+                "Section 1 has no cross-section at chainage 0.51; the nearest are 0.5 and 0.52.\n"},
+        CliCase{"SectionPointsStopAtAnInvalidLevel", Project::Demo,
+                "UPDATE Initial SET [Level]=15.2 WHERE SectionID=1 AND Chainage=0.5 AND Offset=0",
+                "section-points FILE --section 1 --chainage 0.5 --json", 1, "",
+                "Chainage [0.5], Offset [0], Level [15.2]: " BAD_INITIAL "\n"},
+        // Executed levels stop at km 1: the points are given and the gap reported.
+        CliCase{"SectionPointsReportMissingExecutedLevels", Project::Demo, nullptr,
+                "section-points FILE --section 1 --chainage 2 --executed --json", 1,
+                R"(~"executed":{"left":[],"right":[]},)",
+                "Chainage not found in executed levels : 2\n"},
+        CliCase{"SectionPointsOfAMissingProject", Project::None, nullptr,
+                "section-points DIR/none.delvane --section 1 --chainage 0", 3, "", "none.delvane"},
         // Hostile files: each ends with a message and its exit code.
         CliCase{"ValidateNamesANaNOffset", Project::HandBuilt, NAN_OFFSET,
                 "validate FILE --section 1", 1, "~missing or out of range",
@@ -369,6 +422,11 @@ TEST(CliUsage, BadCommandLinesExitWithUsageAndWriteNothing) {
       {"plot FILE --section 1 --output DIR/x.pdf --datum 95", "--long"},
       {"plot FILE --section 1 --output DIR/x.pdf --long --metres-per-page 0", "metres-per-page"},
       {"plot FILE --section 1 --output DIR/x.pdf --long --datum low", "--datum"},
+      {"section-points FILE --section 1", "--chainage"},
+      {"section-points FILE --section 1 --chainage 0.5km", "'0.5km'"},
+      {"section-points FILE --chainage 0.5", "--section"},
+      {"section-points --section 1 --chainage 0.5", "FILE"},
+      {"section-points FILE --section 99 --chainage 0.5", "no section 99"},
   };
   for (const auto& k : cases) {
     SCOPED_TRACE(k.args);
@@ -434,6 +492,7 @@ TEST(CliReadOnly, ReadingCommandsLeaveTheFileAsItWas) {
       {"validate FILE --section 1", "The levels of section 1 are acceptable.\n"},
       {"plot FILE --section 1 --output DIR/x.json --json", R"("sections_drawn":2)"},
       {"plot FILE --section 1 --long --output DIR/l.json --json", R"("sections_drawn":2)"},
+      {"section-points FILE --section 1 --chainage 0.1", "Cut area\t26\n"},
   };
   for (const auto& k : cases) {
     SCOPED_TRACE(k.args);
@@ -550,6 +609,80 @@ TEST(CliAreas, DemoJsonMatchesItsGoldenFile) {
   QFile golden(path);
   ASSERT_TRUE(golden.open(QIODevice::ReadOnly | QIODevice::Text)) << path.toStdString();
   EXPECT_EQ(r.out.toStdString(), QString::fromUtf8(golden.readAll()).toStdString());
+}
+
+// ---- section points on the demo ------------------------------------------------------------
+
+using Points = std::vector<std::pair<float, float>>;
+
+Points pointsOf(const std::vector<engine::ProfilePoint>& table) {
+  Points points;
+  for (const engine::ProfilePoint& p : table) points.emplace_back(p.Offset, p.Level);
+  return points;
+}
+
+// A JSON point list read back as singles: the shortest text of a single reads back as it.
+Points pointsOf(const QJsonValue& list) {
+  Points points;
+  for (const QJsonValue& p : list.toArray())
+    points.emplace_back(static_cast<float>(p[0].toDouble()), static_cast<float>(p[1].toDouble()));
+  return points;
+}
+
+float singleOf(const QJsonValue& value) { return static_cast<float>(value.toDouble()); }
+
+// What section-points prints for a demo chainage is what the engine computes for it, table by
+// table; executed levels only when asked for.
+TEST(CliSectionPoints, JsonAgreesWithTheEngine) {
+  TempProject project;
+  project.create(true);
+  const struct {
+    std::int32_t section;
+    float chainage;
+    bool executed;
+  } cases[] = {{1, 0.5f, false}, {1, 0.5f, true}, {2, 6.3f, false}};
+  for (const auto& k : cases) {
+    const QString chainage = QString::number(k.chainage);
+    SCOPED_TRACE(QStringLiteral("section %1 at %2%3")
+                     .arg(k.section)
+                     .arg(chainage, k.executed ? QStringLiteral(", executed") : QString())
+                     .toStdString());
+    QStringList args{QStringLiteral("section-points"), project.path(),
+                     QStringLiteral("--section"),      QString::number(k.section),
+                     QStringLiteral("--chainage"),     chainage,
+                     QStringLiteral("--json")};
+    if (k.executed) args.append(QStringLiteral("--executed"));
+    const auto r = runCli(args);
+    ASSERT_EQ(r.code, 0) << r.err.toStdString();
+    const QJsonObject o = QJsonDocument::fromJson(r.out.toUtf8()).object();
+
+    engine::RecordingReporter reporter;
+    engine::EngineSession session(project.connection(), reporter);
+    ASSERT_FALSE(session.LoadDesignProfile());
+    session.setSection(k.section);
+    session.setUseExecutedLevel(k.executed);
+    engine::ResetDesignCache(session);
+    const engine::CrossSection s = engine::computeCrossSection(session, k.chainage);
+    ASSERT_TRUE(s.hasPoints());
+    ASSERT_EQ(s.executedLeft.empty(), !k.executed);
+
+    EXPECT_EQ(singleOf(o[QStringLiteral("chainage")]), s.chainage);
+    const std::pair<const char*, const std::vector<engine::ProfilePoint>*> tables[] = {
+        {"design", &s.designLeft},     {"design", &s.designRight},
+        {"existing", &s.groundLeft},   {"existing", &s.groundRight},
+        {"executed", &s.executedLeft}, {"executed", &s.executedRight}};
+    for (int i = 0; i < 6; ++i) {
+      const char* side = i % 2 == 0 ? "left" : "right";
+      SCOPED_TRACE(std::string(tables[i].first) + " " + side);
+      EXPECT_EQ(pointsOf(o[QLatin1String(tables[i].first)][QLatin1String(side)]),
+                pointsOf(*tables[i].second));
+    }
+    EXPECT_EQ(o[QStringLiteral("datum")].toInt(-1), s.datum());
+    EXPECT_EQ(singleOf(o[QStringLiteral("lowest")]), s.lowest);
+    EXPECT_EQ(singleOf(o[QStringLiteral("highest")]), s.highest);
+    EXPECT_EQ(singleOf(o[QStringLiteral("area_cut")]), s.areaCut);
+    EXPECT_EQ(singleOf(o[QStringLiteral("area_fill")]), s.areaFill);
+  }
 }
 
 // ---- plot on the demo ----------------------------------------------------------------------
