@@ -295,6 +295,17 @@ INSTANTIATE_TEST_SUITE_P(
         CliCase{"PlotToUnwritableFolder", Project::HandBuilt, nullptr,
                 "plot FILE --section 1 --output DIR/nofolder/x.pdf", 3, "",
                 "nofolder/x.pdf cannot be written."},
+        // The typical section: one page of the design, refused without design details.
+        CliCase{"PlotTypicalSection", Project::Demo, nullptr,
+                "plot FILE --section 1 --typical --output DIR/t.png", 0,
+                "~Wrote 1 page of the typical section of section 1 to ", nullptr, "DIR/t.png",
+                "\x89PNG"},
+        CliCase{"PlotTypicalSectionPdf", Project::HandBuilt, nullptr,
+                "plot FILE --section 1 --typical --output DIR/t.pdf --json", 0,
+                R"(~"kind":"typical","outputs":[)", nullptr, "DIR/t.pdf", "%PDF"},
+        CliCase{"PlotTypicalNeedsDesignDetails", Project::HandBuilt, "DELETE FROM DesignDetails",
+                "plot FILE --section 1 --typical --output DIR/t.png", 1, "",
+                "Section 1 has no design details", "DIR/t.png"},
         // Hostile files: each ends with a message and its exit code.
         CliCase{"ValidateNamesANaNOffset", Project::HandBuilt, NAN_OFFSET,
                 "validate FILE --section 1", 1, "~missing or out of range",
@@ -369,6 +380,8 @@ TEST(CliUsage, BadCommandLinesExitWithUsageAndWriteNothing) {
       {"plot FILE --section 1 --output DIR/x.pdf --datum 95", "--long"},
       {"plot FILE --section 1 --output DIR/x.pdf --long --metres-per-page 0", "metres-per-page"},
       {"plot FILE --section 1 --output DIR/x.pdf --long --datum low", "--datum"},
+      {"plot FILE --section 1 --output DIR/x.pdf --typical --long", "--long"},
+      {"plot FILE --section 1 --output DIR/x.pdf --typical --pages 1", "--pages"},
   };
   for (const auto& k : cases) {
     SCOPED_TRACE(k.args);
@@ -675,6 +688,27 @@ TEST(CliPlot, JsonOutputHoldsPagesLayersAndPrimitives) {
     }
     EXPECT_TRUE(titled);
   }
+}
+
+// The demo's typical section names every stretch its formulas add and its outer slopes.
+TEST(CliPlot, TypicalSectionNamesTheDemoFormulas) {
+  TempProject project;
+  project.create(true);
+  plotDemo(project, QStringLiteral("t.json"), {QStringLiteral("--typical")});
+  QFile file(project.dir().filePath(QStringLiteral("t.json")));
+  ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+  QStringList texts;
+  const QJsonArray pages =
+      QJsonDocument::fromJson(file.readAll()).object().value(QStringLiteral("pages")).toArray();
+  ASSERT_EQ(pages.size(), 1);
+  for (const QJsonValue& p : pages[0][QStringLiteral("primitives")].toArray())
+    texts.append(p[QStringLiteral("text")].toString());
+  // Each side has its own dimensions and its own slope.
+  for (const auto& [label, count] :
+       {std::pair{"BED_WIDTH/2", 2}, std::pair{"(FSD+FREEBOARD)*INNER_SLOPE", 2},
+        std::pair{"FSD+FREEBOARD", 2}, std::pair{"BANK_WIDTH", 2}, std::pair{"SRS_LEFT : 1", 1},
+        std::pair{"SRS_RIGHT : 1", 1}})
+    EXPECT_EQ(texts.count(QString::fromLatin1(label)), count) << label;
 }
 
 TEST(CliPlot, CrossSectionCountsAddUpOverPages) {
