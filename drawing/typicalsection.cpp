@@ -28,7 +28,6 @@ constexpr float kHeightBudget = 24.0f;
 
 // No font is measured, so every surface gets the same layout: the capitals, digits and signs of
 // formula names in 8-point Arial take about 1.7 mm a character, and the layout reserves 1.8 mm.
-// The boxes texts are drawn in are wider still, so that a longer text is never cut.
 constexpr float kCharWidth = 0.3f;
 constexpr float kTextHeight = 0.5f;
 constexpr float kLineHeight = 0.55f;
@@ -64,6 +63,9 @@ enum Layer : std::int16_t {
 };
 
 float textWidth(const QString& text) { return static_cast<float>(text.size()) * kCharWidth; }
+// The box a text is drawn in: twice its reserved width, so that a text wider than reserved is
+// never cut; the page holds the boxes.
+float boxWidth(const QString& text) { return 2.0f * textWidth(text); }
 
 float unitsOfMm(int mm) { return static_cast<float>(mm / kMmPerUnit); }
 
@@ -194,8 +196,9 @@ void TypicalSectionSheet::layOut() {
       const int row = pack(rows, span);
       m_widths.push_back({i, row});
       top = std::min(top, rowY(row) - kTextGap - kTextHeight);
-      leftmost = std::min(leftmost, span.low);
-      rightmost = std::max(rightmost, span.high);
+      const float middle = (span.low + span.high) / 2.0f;
+      leftmost = std::min({leftmost, span.low, middle - boxWidth(d.label) / 2.0f});
+      rightmost = std::max({rightmost, span.high, middle + boxWidth(d.label) / 2.0f});
     } else if (d.kind == engine::DimensionKind::Height) {
       const Span span = spanOf(yOf(d.start.Level), yOf(d.end.Level), d.label);
       const int column = pack(d.left ? leftColumns : rightColumns, span);
@@ -206,7 +209,7 @@ void TypicalSectionSheet::layOut() {
       top = std::min(top, span.low);
     } else {
       const float x = xOf(d.end.Offset, d.left);
-      const float half = textWidth(d.label) / 2.0f;
+      const float half = boxWidth(d.label) / 2.0f;
       leftmost = std::min(leftmost, x - half);
       rightmost = std::max(rightmost, x + half);
       top = std::min(top, yOf(d.end.Level) - kTextGap - kTextHeight);
@@ -316,14 +319,9 @@ void TypicalSectionSheet::drawSection(PageEngine& engine) const {
     const QString label =
         slopeLabel(*(left ? m_section.outerSlopeLeft : m_section.outerSlopeRight));
     const float mx = (x1 + x2) / 2.0f, my = (y1 + y2) / 2.0f;
-    const float width = 2.0f * textWidth(label);
+    const float x = left ? mx - kTextGap - textWidth(label) : mx + kTextGap;
     engine.pSetLayer(kDimensionLayer);
-    if (left)
-      engine.pDrawHText(mx - kTextGap - width, my - kTextHeight - kTextGap, mx - kTextGap,
-                        my - kTextGap, label, kTextRight | kTextBottom);
-    else
-      engine.pDrawHText(mx + kTextGap, my - kTextHeight - kTextGap, mx + kTextGap + width,
-                        my - kTextGap, label, kTextBottom);
+    engine.pDrawText(x, my - kTextHeight - kTextGap, label, 0);
   }
 }
 
@@ -338,7 +336,7 @@ void TypicalSectionSheet::drawWidth(PageEngine& engine, const Placed& placed) co
   engine.pDrawLine(x1, y, x2, y);
   for (float x : {x1, x2}) engine.pDrawLine(x - kTick, y + kTick, x + kTick, y - kTick);
   const float middle = (x1 + x2) / 2.0f;
-  const float half = textWidth(d.label);
+  const float half = boxWidth(d.label) / 2.0f;
   engine.pDrawHText(middle - half, y - kTextGap - kTextHeight, middle + half, y - kTextGap, d.label,
                     kTextCentre | kTextBottom);
 }
@@ -363,7 +361,7 @@ void TypicalSectionSheet::drawHeight(PageEngine& engine, const Placed& placed) c
 
 void TypicalSectionSheet::drawLevel(PageEngine& engine, const engine::TypicalDimension& d) const {
   const float x = xOf(d.end.Offset, d.left), y = yOf(d.end.Level);
-  const float half = textWidth(d.label);
+  const float half = boxWidth(d.label) / 2.0f;
   engine.pDrawLine(x - kTick, y - kTick, x, y);
   engine.pDrawLine(x, y, x + kTick, y - kTick);
   engine.pDrawHText(x - half, y - kTextGap - kTextHeight, x + half, y - kTextGap, d.label,
