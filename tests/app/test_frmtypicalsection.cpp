@@ -126,7 +126,6 @@ void TestFrmTypicalSection::aPictureThatCannotBeLoadedShowsThePlatformsError_dat
   QTest::addColumn<QByteArray>("file");  // the picture file's bytes; empty for no file
   QTest::addColumn<QString>("setup");
   QTest::newRow("no file, no design details") << QByteArray() << "DELETE FROM DesignDetails";
-  QTest::newRow("no file, no design profile") << QByteArray() << "DELETE FROM DesignExp";
   QTest::newRow("a file that is no picture") << QByteArray("not a GIF") << "";
 }
 

@@ -690,27 +690,6 @@ TEST(CliPlot, JsonOutputHoldsPagesLayersAndPrimitives) {
   }
 }
 
-// The demo's typical section names every stretch its formulas add and its outer slopes.
-TEST(CliPlot, TypicalSectionNamesTheDemoFormulas) {
-  TempProject project;
-  project.create(true);
-  plotDemo(project, QStringLiteral("t.json"), {QStringLiteral("--typical")});
-  QFile file(project.dir().filePath(QStringLiteral("t.json")));
-  ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-  QStringList texts;
-  const QJsonArray pages =
-      QJsonDocument::fromJson(file.readAll()).object().value(QStringLiteral("pages")).toArray();
-  ASSERT_EQ(pages.size(), 1);
-  for (const QJsonValue& p : pages[0][QStringLiteral("primitives")].toArray())
-    texts.append(p[QStringLiteral("text")].toString());
-  // Each side has its own dimensions and its own slope.
-  for (const auto& [label, count] :
-       {std::pair{"BED_WIDTH/2", 2}, std::pair{"(FSD+FREEBOARD)*INNER_SLOPE", 2},
-        std::pair{"FSD+FREEBOARD", 2}, std::pair{"BANK_WIDTH", 2}, std::pair{"SRS_LEFT : 1", 1},
-        std::pair{"SRS_RIGHT : 1", 1}})
-    EXPECT_EQ(texts.count(QString::fromLatin1(label)), count) << label;
-}
-
 TEST(CliPlot, CrossSectionCountsAddUpOverPages) {
   TempProject project;
   project.create(true);
