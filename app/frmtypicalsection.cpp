@@ -119,8 +119,6 @@ frmTypicalSection::frmTypicalSection(const sheets::SheetContext& context, const 
   m_image1 = new QLabel(m_viewport);
   m_image1->setObjectName(QStringLiteral("Image1"));
   m_image1->resize(0, 0);
-  m_image1->addAction(save);
-  m_image1->setContextMenuPolicy(Qt::ActionsContextMenu);
   m_fsbHorizontal = new QScrollBar(Qt::Horizontal, m_viewport);
   m_fsbHorizontal->setObjectName(QStringLiteral("fsbHorizontal"));
   m_fsbVertical = new QScrollBar(Qt::Vertical, m_viewport);
@@ -202,6 +200,9 @@ void frmTypicalSection::load() {
                                      "section drawn from its formulas.")
                           .arg(QDir::toNativeSeparators(path)));
       m_noteRow->show();
+      // The drawing offers itself for saving from its own context menu too.
+      m_image1->addAction(m_saveButton->defaultAction());
+      m_image1->setContextMenuPolicy(Qt::ActionsContextMenu);
       return;
     }
   }
