@@ -4,6 +4,7 @@
 #include "drawing/sheettitle.h"
 #include "engine/typicalsection.h"
 
+#include <optional>
 #include <vector>
 
 namespace drawing {
