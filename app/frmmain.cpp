@@ -4,6 +4,7 @@
 #include "app/frmoptions.h"
 #include "app/frmplotlxsection.h"
 #include "app/frmsplash.h"
+#include "app/frmtypicalsection.h"
 #include "app/helpwindow.h"
 #include "app/mdiarrange.h"
 #include "app/opendatabase.h"
@@ -138,6 +139,7 @@ frmMain::frmMain(AppState& state, QWidget* parent) : QMainWindow(parent), m_stat
   setObjectName(QStringLiteral("frmMain"));
   setWindowTitle(kTitle);
   m_manualFolder = manualFolder();
+  m_modelsFolder = modelsFolder();
 
   m_mdiArea = new QMdiArea(this);
   m_mdiArea->setObjectName(QStringLiteral("mdiArea"));
@@ -837,7 +839,15 @@ void frmMain::dataPackage() { openDataSheet(&sheets::modGridStyles::PackageStyle
 void frmMain::dataSections() { openDataSheet(&sheets::modGridStyles::SectionsStyle); }
 
 void frmMain::dataDesignSummary() {
-  if (openDataSheet(&sheets::modGridStyles::DesignDetailsStyle)) tileHorizontal(*m_mdiArea);
+  if (!openDataSheet(&sheets::modGridStyles::DesignDetailsStyle)) return;
+  QMdiSubWindow* details = m_mdiArea->activeSubWindow();
+  // The picture of what the details describe, beside them. The details stay the active window:
+  // they are what the user edits, the picture is there to read them by.
+  auto* picture = new frmTypicalSection(m_context, m_modelsFolder);
+  picture->setSaveFileFunction(m_saveFile);
+  showChild(picture);
+  if (details) m_mdiArea->setActiveSubWindow(details);
+  tileHorizontal(*m_mdiArea);
 }
 
 void frmMain::dataDesign() { openDataSheet(&sheets::modGridStyles::DesignLevelsStyle); }

@@ -132,6 +132,9 @@ class frmMain : public QMainWindow, public sheets::MainWindowLink {
   HelpWindow* helpWindow() const { return m_helpWindow; }
   // The folder of the HTML manual; by default the "manual" folder beside the program.
   void setManualFolder(const QString& folder) { m_manualFolder = folder; }
+  // The folder of the typical-section pictures; by default the "Models" folder beside the
+  // program.
+  void setModelsFolder(const QString& folder) { m_modelsFolder = folder; }
 
   // sheets::MainWindowLink
   void setCommandEnabled(Command command, bool enabled) override;
@@ -196,6 +199,7 @@ class frmMain : public QMainWindow, public sheets::MainWindowLink {
   QPointer<sheets::dlgSearchWindow> m_filterWindow;
   QPointer<HelpWindow> m_helpWindow;
   QString m_manualFolder;
+  QString m_modelsFolder;
   std::unique_ptr<QPrinter> m_printer;
   bool m_engineRunning = false;
   QList<QAction*> m_sheetSaveItems;  // File > Save as PDF/PNG/SVG, for a page window

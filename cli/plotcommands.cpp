@@ -7,9 +7,11 @@
 #include "drawing/longsectionsheet.h"
 #include "drawing/pageoutput.h"
 #include "drawing/sheettitle.h"
+#include "drawing/typicalsection.h"
 #include "engine/designsection.h"
 #include "engine/sectionviews.h"
 #include "engine/session.h"
+#include "engine/typicalsection.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -25,6 +27,7 @@ namespace cli {
 namespace {
 
 const QString kLong = QStringLiteral("long");
+const QString kTypical = QStringLiteral("typical");
 const QString kScale = QStringLiteral("scale");
 const QString kOutput = QStringLiteral("output");
 const QString kPages = QStringLiteral("pages");
@@ -41,6 +44,9 @@ void plotOptions(QCommandLineParser& parser) {
                     QStringLiteral("OUT")});
   parser.addOption({kLong, QStringLiteral("Draw the longitudinal section instead of the cross "
                                           "sections.")});
+  parser.addOption({kTypical, QStringLiteral("Draw the typical section of the design instead, "
+                                             "as at the section's first design details, on one "
+                                             "page.")});
   parser.addOption({kExecuted, QStringLiteral("Draw the executed levels too, as the main "
                                               "window's 'use executed levels' switch does.")});
   parser.addOption({kScale,
@@ -72,6 +78,7 @@ struct PlotRequest {
   QString output;
   drawing::PageFormat format = drawing::PageFormat::Pdf;
   bool longSection = false;
+  bool typical = false;
   bool executed = false;
   int scale = drawing::kNativeScale;
   drawing::LongSectionSheetOptions longOptions;
@@ -173,7 +180,17 @@ std::optional<PlotRequest> parseRequest(Context& context, int& code) {
   }
   request.format = *format;
   request.longSection = context.parser.isSet(kLong);
+  request.typical = context.parser.isSet(kTypical);
   request.executed = context.parser.isSet(kExecuted);
+
+  // The typical section is one page of the design alone: no levels, scale or pages to choose.
+  if (request.typical)
+    for (const QString& name :
+         {kLong, kExecuted, kScale, kPages, kMetresPerPage, kVerticalScale, kDatum})
+      if (context.parser.isSet(name)) {
+        code = usageError(context, QStringLiteral("--%1 does not apply to --typical.").arg(name));
+        return std::nullopt;
+      }
 
   for (const QString& name : {kMetresPerPage, kVerticalScale, kDatum})
     if (!request.longSection && context.parser.isSet(name)) {
@@ -227,6 +244,7 @@ struct SheetKind {
 };
 constexpr SheetKind kCrossKind{"cross", "cross sections"};
 constexpr SheetKind kLongKind{"long", "the longitudinal section"};
+constexpr SheetKind kTypicalKind{"typical", "the typical section"};
 
 // Writes the asked pages of sheet and reports them. sectionsDrawn(first, last) counts what the
 // 0-based pages hold. Returns the exit code: kOk, or kDataProblems when the engine reported
@@ -314,8 +332,25 @@ int plotLongSection(Context& context, const PlotRequest& request, engine::Engine
       !reporter.errors().isEmpty());
 }
 
+int plotTypicalSection(Context& context, const PlotRequest& request, engine::EngineSession& session,
+                       const ConsoleReporter& reporter, const drawing::SheetTitle& title) {
+  std::optional<engine::TypicalSection> typical = engine::computeTypicalSection(session);
+  if (!typical) {
+    // Without details nothing was reported; a design section that failed has said why.
+    if (reporter.errors().isEmpty())
+      context.err << "Section " << request.section
+                  << " has no design details, so it has no typical section to draw.\n";
+    return kDataProblems;
+  }
+  const drawing::TypicalSectionSheet sheet(std::move(*typical), title);
+  return writeSheet(
+      context, request, sheet, kTypicalKind, [](int, int) { return 1; }, title,
+      !reporter.errors().isEmpty());
+}
+
 // Exit codes: 0 written, 1 the data had problems (an empty sheet, too few chainages for the
-// longitudinal section, or error-list lines while computing), 2 usage, including pages the
+// longitudinal section, no design details for the typical section, or error-list lines while
+// computing), 2 usage, including pages the
 // sheet does not have, 3 the project cannot be opened or the output cannot be written.
 int plot(Context& context) {
   int code = -1;
@@ -328,6 +363,8 @@ int plot(Context& context) {
   return project.guarded(context, [&]() -> int {
     if (int failed = project.useSection(context, request->section); failed >= 0) return failed;
     const drawing::SheetTitle title = sheetTitle(*project.connection, *request);
+    if (request->typical)
+      return plotTypicalSection(context, *request, *project.engine, *project.reporter, title);
     return request->longSection
                ? plotLongSection(context, *request, *project.engine, *project.reporter, title)
                : plotCrossSections(context, *request, *project.engine, *project.reporter, title);
@@ -338,7 +375,7 @@ int plot(Context& context) {
 
 const Command kPlotCommands[] = {
     {"plot",
-     "Draw the cross sections or the longitudinal section of a section to .pdf, .png, "
+     "Draw a section's cross sections, longitudinal section or typical section to .pdf, .png, "
      ".svg or .json.",
      plotOptions, plot},
 };

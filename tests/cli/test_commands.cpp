@@ -348,6 +348,17 @@ INSTANTIATE_TEST_SUITE_P(
                 "Chainage not found in executed levels : 2\n"},
         CliCase{"SectionPointsOfAMissingProject", Project::None, nullptr,
                 "section-points DIR/none.delvane --section 1 --chainage 0", 3, "", "none.delvane"},
+        // The typical section: one page of the design, refused without design details.
+        CliCase{"PlotTypicalSection", Project::Demo, nullptr,
+                "plot FILE --section 1 --typical --output DIR/t.png", 0,
+                "~Wrote 1 page of the typical section of section 1 to ", nullptr, "DIR/t.png",
+                "\x89PNG"},
+        CliCase{"PlotTypicalSectionPdf", Project::HandBuilt, nullptr,
+                "plot FILE --section 1 --typical --output DIR/t.pdf --json", 0,
+                R"(~"kind":"typical","outputs":[)", nullptr, "DIR/t.pdf", "%PDF"},
+        CliCase{"PlotTypicalNeedsDesignDetails", Project::HandBuilt, "DELETE FROM DesignDetails",
+                "plot FILE --section 1 --typical --output DIR/t.png", 1, "",
+                "Section 1 has no design details", "DIR/t.png"},
         // Hostile files: each ends with a message and its exit code.
         CliCase{"ValidateNamesANaNOffset", Project::HandBuilt, NAN_OFFSET,
                 "validate FILE --section 1", 1, "~missing or out of range",
@@ -427,6 +438,8 @@ TEST(CliUsage, BadCommandLinesExitWithUsageAndWriteNothing) {
       {"section-points FILE --chainage 0.5", "--section"},
       {"section-points --section 1 --chainage 0.5", "FILE"},
       {"section-points FILE --section 99 --chainage 0.5", "no section 99"},
+      {"plot FILE --section 1 --output DIR/x.pdf --typical --long", "--long"},
+      {"plot FILE --section 1 --output DIR/x.pdf --typical --pages 1", "--pages"},
   };
   for (const auto& k : cases) {
     SCOPED_TRACE(k.args);
