@@ -1,9 +1,12 @@
 // A documentation tool, not part of the program: opens the demo project in the main window,
 // walks to its first section, shows the Initial Levels sheet beside the Quantity Summary and
-// saves a picture of the window. Usage: delvane-screenshot OUTPUT.png [WIDTH HEIGHT]
+// saves a picture of the window; with --viewers, also pictures of the two section viewers, the
+// cross-section one with a ground point picked.
+// Usage: delvane-screenshot OUTPUT.png [WIDTH HEIGHT] [--viewers CROSS.png LONG.png]
 #include "app/appstate.h"
 #include "app/desktopreporter.h"
 #include "app/frmmain.h"
+#include "app/frmplotlxsection.h"
 #include "app/mdiarrange.h"
 #include "app/opendatabase.h"
 #include "db/connection.h"
@@ -63,9 +66,17 @@ int main(int argc, char** argv) {
   QApplication::setApplicationName(QStringLiteral("Delvane"));
   QApplication::setApplicationVersion(QStringLiteral(DELVANE_VERSION));
 
-  const QStringList arguments = QCoreApplication::arguments();
-  if (arguments.size() != 2 && arguments.size() != 4) {
-    fail(QStringLiteral("usage: delvane-screenshot OUTPUT.png [WIDTH HEIGHT]"));
+  QStringList arguments = QCoreApplication::arguments();
+  QStringList viewerPictures;
+  if (const qsizetype at = arguments.indexOf(QStringLiteral("--viewers"));
+      at > 0 && at + 2 < arguments.size()) {
+    viewerPictures = arguments.mid(at + 1, 2);
+    arguments = arguments.mid(0, at);
+  }
+  if ((arguments.size() != 2 && arguments.size() != 4) ||
+      (!viewerPictures.isEmpty() && viewerPictures.size() != 2)) {
+    fail(QStringLiteral(
+        "usage: delvane-screenshot OUTPUT.png [WIDTH HEIGHT] [--viewers CROSS.png LONG.png]"));
     return 2;
   }
   const QString output = arguments[1];
@@ -143,6 +154,29 @@ int main(int argc, char** argv) {
     return 1;
   }
   QTextStream(stdout) << output << '\n';
+
+  if (!viewerPictures.isEmpty()) {
+    for (int mode : {2, 1}) {
+      app::frmPlotLXSection* viewer = window->openSectionViewer(static_cast<std::uint8_t>(mode));
+      if (!viewer) {
+        fail(QStringLiteral("the section viewer did not open."));
+        return 1;
+      }
+      viewer->parentWidget()->showMaximized();
+      settle(300);
+      // The reading at the centre line of the first cross-section, as a click picks it.
+      if (mode == 2) viewer->pictureReleased(viewer->pixelOf(QPointF(0.0, 152.418)));
+      settle(200);
+      const QString picture = viewerPictures[mode == 2 ? 0 : 1];
+      if (!viewer->grab().save(picture)) {
+        fail(QStringLiteral("cannot write ") + picture + QStringLiteral("."));
+        return 1;
+      }
+      QTextStream(stdout) << picture << '\n';
+      viewer->parentWidget()->close();
+      settle(100);
+    }
+  }
   window.reset();
   return 0;
 }

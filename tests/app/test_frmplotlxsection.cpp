@@ -163,9 +163,14 @@ class TestFrmPlotLXSection : public QObject {
     QVERIFY(!v.view->cmdYes()->isVisibleTo(v.view));
   }
 
-  // The edit is written, the areas of the chainage follow and so do the volumes and totals.
+  // The edit is written, the areas of the chainage follow and so do the volumes and totals, and
+  // an open Initial sheet shows the new reading.
   void anAddTypedAndCommittedWithYRefreshesTheQuantities() {
     Viewer v;
+    v.desk.window->dataInitial();
+    sheets::frmDataGrid* sheet = v.desk.sheet();
+    QVERIFY(sheet);
+    const int sheetRows = sheet->resultSet()->rowCount();
     v.desk.window->setStatusPanel(1, QString());
     const int before = v.desk.count("Initial", "SectionID=1 AND Chainage=0");
     const QString cut = v.view->lblDesCutArea()->text();
@@ -181,6 +186,7 @@ class TestFrmPlotLXSection : public QObject {
     const double stored = *v.desk.scalar(
         QStringLiteral("SELECT AreaCut FROM DesignQty WHERE SectionID=1 AND Chainage=0"));
     QCOMPARE(v.view->lblDesCutArea()->text(), QString::number(stored, 'f', 2) + " Sqm.");
+    QCOMPARE(sheet->resultSet()->rowCount(), sheetRows + 1);
   }
 
   void badBoxesAreRefusedAndNothingIsWritten_data() {
