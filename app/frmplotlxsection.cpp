@@ -114,8 +114,7 @@ frmPlotLXSection::frmPlotLXSection(const sheets::SheetContext& context, std::uin
     : QWidget(parent),
       m_context(context),
       m_byteLXMode(byteLXMode),
-      m_subWindowActivation(
-          this, [this] { activateForm(); }, [this] { deactivateForm(); }) {
+      m_wheelHook(this, this, m_context.mouseWheel) {
   setObjectName(QStringLiteral("frmPlotLXSection"));
   setAttribute(Qt::WA_DeleteOnClose);
   setWindowTitle(isLongitudinal() ? QStringLiteral("Longitudinal Section")
@@ -123,9 +122,7 @@ frmPlotLXSection::frmPlotLXSection(const sheets::SheetContext& context, std::uin
   createControls();
 }
 
-frmPlotLXSection::~frmPlotLXSection() {
-  if (m_context.mouseWheel) m_context.mouseWheel->UnhookMouseWheel(this);
-}
+frmPlotLXSection::~frmPlotLXSection() = default;
 
 void frmPlotLXSection::createControls() {
   auto* top = new QHBoxLayout;
@@ -1032,27 +1029,12 @@ void frmPlotLXSection::MouseWheel(int keys, int rotation, int /*x*/, int /*y*/) 
 }
 
 void frmPlotLXSection::wheelEvent(QWheelEvent* event) {
-  // While the form is hooked, the wheel forwarding has already handled it.
-  const bool forwarded = m_context.mouseWheel && m_context.mouseWheel->servedWindow() == this;
-  if (!forwarded) {
-    const sheets::WheelValues v = sheets::wheelValues(
-        event->buttons(), event->modifiers(), event->angleDelta().y(), event->globalPosition());
-    MouseWheel(v.keys, v.rotation, v.x, v.y);
-  }
-  event->accept();
-}
-
-void frmPlotLXSection::activateForm() {
-  if (m_context.mouseWheel) m_context.mouseWheel->HookMouseWheel(this);
-}
-
-void frmPlotLXSection::deactivateForm() {
-  if (m_context.mouseWheel) m_context.mouseWheel->UnhookMouseWheel(this);
+  sheets::deliverWheelEvent(*this, m_context.mouseWheel, event);
 }
 
 void frmPlotLXSection::closeEvent(QCloseEvent* event) {
   abandonEdit();
-  deactivateForm();
+  m_wheelHook.unhook();
   QWidget::closeEvent(event);
 }
 

@@ -2,7 +2,6 @@
 
 #include "sheets/mousewheel.h"
 #include "sheets/sheetcontext.h"
-#include "sheets/subwindowactivation.h"
 
 #include <QFrame>
 #include <QPointF>
@@ -151,8 +150,6 @@ class frmPlotLXSection : public QWidget, public sheets::WheelAware {
   void pickNearestChainage(double chainage);
   void refreshQuantities(float chainage);
   void message(const QString& text, sheets::MessageIcon icon);
-  void activateForm();
-  void deactivateForm();
 
   sheets::SheetContext m_context;
   std::uint8_t m_byteLXMode;
@@ -194,7 +191,7 @@ class frmPlotLXSection : public QWidget, public sheets::WheelAware {
   QLabel* m_lblStatusMessage = nullptr;
   QLabel* m_pointerLabel = nullptr;
 
-  sheets::SubWindowActivation m_subWindowActivation;
+  sheets::WheelHook m_wheelHook;
 };
 
 }  // namespace app

@@ -85,8 +85,7 @@ frmTypicalSection::frmTypicalSection(const sheets::SheetContext& context, const 
     : QWidget(parent),
       m_context(context),
       m_folder(folder),
-      m_subWindowActivation(
-          this, [this] { activateForm(); }, [this] { deactivateForm(); }) {
+      m_wheelHook(this, this, m_context.mouseWheel) {
   setObjectName(QStringLiteral("frmTypicalSection"));
   setWindowTitle(QStringLiteral("Typical Section"));
   auto* layout = new QVBoxLayout(this);
@@ -149,9 +148,7 @@ frmTypicalSection::frmTypicalSection(const sheets::SheetContext& context, const 
   layOutPicture();
 }
 
-frmTypicalSection::~frmTypicalSection() {
-  if (m_context.mouseWheel) m_context.mouseWheel->UnhookMouseWheel(this);
-}
+frmTypicalSection::~frmTypicalSection() = default;
 
 QSize frmTypicalSection::sizeHint() const { return QSize(640, 360); }
 
@@ -292,14 +289,7 @@ void frmTypicalSection::MouseWheel(int /*keys*/, int rotation, int /*x*/, int /*
 }
 
 void frmTypicalSection::wheelEvent(QWheelEvent* event) {
-  // While the window is hooked, the wheel forwarding has already scrolled it.
-  const bool forwarded = m_context.mouseWheel && m_context.mouseWheel->servedWindow() == this;
-  if (!forwarded) {
-    const sheets::WheelValues v = sheets::wheelValues(
-        event->buttons(), event->modifiers(), event->angleDelta().y(), event->globalPosition());
-    MouseWheel(v.keys, v.rotation, v.x, v.y);
-  }
-  event->accept();
+  sheets::deliverWheelEvent(*this, m_context.mouseWheel, event);
 }
 
 bool frmTypicalSection::eventFilter(QObject* watched, QEvent* event) {
@@ -316,20 +306,8 @@ bool frmTypicalSection::eventFilter(QObject* watched, QEvent* event) {
 
 // ---- Activation
 
-void frmTypicalSection::activateForm() {
-  if (m_active) return;
-  m_active = true;
-  if (m_context.mouseWheel) m_context.mouseWheel->HookMouseWheel(this);
-}
-
-void frmTypicalSection::deactivateForm() {
-  if (!m_active) return;
-  m_active = false;
-  if (m_context.mouseWheel) m_context.mouseWheel->UnhookMouseWheel(this);
-}
-
 void frmTypicalSection::closeEvent(QCloseEvent* event) {
-  deactivateForm();
+  m_wheelHook.unhook();
   event->accept();
 }
 

@@ -3,7 +3,6 @@
 #include "drawing/typicalsection.h"
 #include "sheets/mousewheel.h"
 #include "sheets/sheetcontext.h"
-#include "sheets/subwindowactivation.h"
 
 #include <QImage>
 #include <QString>
@@ -54,9 +53,6 @@ class frmTypicalSection : public QWidget, public sheets::WheelAware {
   // sheets::WheelAware: scrolls the picture sideways by one large change, never up or down.
   void MouseWheel(int keys, int rotation, int x, int y) override;
 
-  void activateForm();
-  void deactivateForm();
-
   QLabel* Image1() const { return m_image1; }
   QScrollBar* fsbHorizontal() const { return m_fsbHorizontal; }
   QScrollBar* fsbVertical() const { return m_fsbVertical; }
@@ -95,8 +91,7 @@ class frmTypicalSection : public QWidget, public sheets::WheelAware {
   QScrollBar* m_fsbVertical = nullptr;
   QLabel* m_lblErrorText = nullptr;
 
-  sheets::SubWindowActivation m_subWindowActivation;
-  bool m_active = false;
+  sheets::WheelHook m_wheelHook;
 };
 
 }  // namespace app

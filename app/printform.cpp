@@ -133,10 +133,7 @@ int tilesOver(double page, double paper) {
 }  // namespace
 
 PrintForm::PrintForm(const sheets::SheetContext& context, PrintSheet sheet, QWidget* parent)
-    : QWidget(parent),
-      m_context(context),
-      m_subWindowActivation(
-          this, [this] { activateForm(); }, [this] { deactivateForm(); }) {
+    : QWidget(parent), m_context(context), m_wheelHook(this, this, m_context.mouseWheel) {
   setObjectName(QStringLiteral("PrintForm"));
   setFocusPolicy(Qt::StrongFocus);
   auto* layout = new QVBoxLayout(this);
@@ -188,9 +185,7 @@ PrintForm::PrintForm(const sheets::SheetContext& context, PrintSheet sheet, QWid
 
 QSize PrintForm::sizeHint() const { return QSize(820, 620); }
 
-PrintForm::~PrintForm() {
-  if (m_context.mouseWheel) m_context.mouseWheel->UnhookMouseWheel(this);
-}
+PrintForm::~PrintForm() = default;
 
 void PrintForm::createToolRow() {
   auto* row = new QToolBar(this);
@@ -431,14 +426,7 @@ void PrintForm::keyPressEvent(QKeyEvent* event) {
 }
 
 void PrintForm::wheelEvent(QWheelEvent* event) {
-  // While the form is hooked, the wheel forwarding has already scrolled it.
-  const bool forwarded = m_context.mouseWheel && m_context.mouseWheel->servedWindow() == this;
-  if (!forwarded) {
-    const sheets::WheelValues v = sheets::wheelValues(
-        event->buttons(), event->modifiers(), event->angleDelta().y(), event->globalPosition());
-    MouseWheel(v.keys, v.rotation, v.x, v.y);
-  }
-  event->accept();
+  sheets::deliverWheelEvent(*this, m_context.mouseWheel, event);
 }
 
 bool PrintForm::eventFilter(QObject* watched, QEvent* event) {
@@ -454,20 +442,8 @@ bool PrintForm::eventFilter(QObject* watched, QEvent* event) {
 
 // ---- Activation
 
-void PrintForm::activateForm() {
-  if (m_active) return;
-  m_active = true;
-  if (m_context.mouseWheel) m_context.mouseWheel->HookMouseWheel(this);
-}
-
-void PrintForm::deactivateForm() {
-  if (!m_active) return;
-  m_active = false;
-  if (m_context.mouseWheel) m_context.mouseWheel->UnhookMouseWheel(this);
-}
-
 void PrintForm::closeEvent(QCloseEvent* event) {
-  deactivateForm();
+  m_wheelHook.unhook();
   event->accept();
 }
 

@@ -3,7 +3,6 @@
 #include "drawing/pageengine.h"
 #include "sheets/mousewheel.h"
 #include "sheets/sheetcontext.h"
-#include "sheets/subwindowactivation.h"
 
 #include <QImage>
 #include <QSize>
@@ -110,9 +109,6 @@ class PrintForm : public QWidget, public sheets::WheelAware {
   // sheets::WheelAware: scrolls the page one large change.
   void MouseWheel(int keys, int rotation, int x, int y) override;
 
-  void activateForm();
-  void deactivateForm();
-
   QScrollBar* HScroll1() const { return m_hScroll; }
   QScrollBar* VScroll1() const { return m_vScroll; }
   QWidget* pbGraph() const { return m_pbGraph; }
@@ -166,8 +162,7 @@ class PrintForm : public QWidget, public sheets::WheelAware {
   QComboBox* m_scaleBox = nullptr;
   QAction* m_scaleAction = nullptr;
 
-  sheets::SubWindowActivation m_subWindowActivation;
-  bool m_active = false;
+  sheets::WheelHook m_wheelHook;
 };
 
 }  // namespace app

@@ -54,4 +54,29 @@ bool MouseWheelModule::eventFilter(QObject* watched, QEvent* event) {
   return false;
 }
 
+void deliverWheelEvent(WheelAware& window, const MouseWheelModule* module, QWheelEvent* event) {
+  if (!module || module->servedWindow() != &window) {
+    const WheelValues v = wheelValues(event->buttons(), event->modifiers(), event->angleDelta().y(),
+                                      event->globalPosition());
+    window.MouseWheel(v.keys, v.rotation, v.x, v.y);
+  }
+  event->accept();
+}
+
+WheelHook::WheelHook(QWidget* widget, WheelAware* window, MouseWheelModule* module)
+    : m_window(window),
+      m_module(module),
+      m_activation(
+          widget, [this] { hook(); }, [this] { unhook(); }) {}
+
+WheelHook::~WheelHook() { unhook(); }
+
+void WheelHook::hook() {
+  if (m_module) m_module->HookMouseWheel(m_window);
+}
+
+void WheelHook::unhook() {
+  if (m_module) m_module->UnhookMouseWheel(m_window);
+}
+
 }  // namespace sheets

@@ -1,7 +1,12 @@
 #pragma once
 
+#include "sheets/subwindowactivation.h"
+
 #include <QObject>
 #include <QPointF>
+
+class QWheelEvent;
+class QWidget;
 
 namespace sheets {
 
@@ -53,6 +58,29 @@ class MouseWheelModule : public QObject {
 
  private:
   WheelAware* m_window = nullptr;
+};
+
+// Hands a wheel event that reached a wheel-aware window to its MouseWheel, unless the
+// forwarding already served it (the window is the one hooked), and accepts it.
+void deliverWheelEvent(WheelAware& window, const MouseWheelModule* module, QWheelEvent* event);
+
+// Keeps a wheel-aware window hooked to the forwarding while the MDI child holding it is active,
+// and unhooks it when it stops being active, closes or goes.
+class WheelHook {
+ public:
+  // module may be null: then nothing is hooked.
+  WheelHook(QWidget* widget, WheelAware* window, MouseWheelModule* module);
+  ~WheelHook();
+  WheelHook(const WheelHook&) = delete;
+  WheelHook& operator=(const WheelHook&) = delete;
+
+  void hook();
+  void unhook();
+
+ private:
+  WheelAware* m_window;
+  MouseWheelModule* m_module;
+  SubWindowActivation m_activation;
 };
 
 }  // namespace sheets
