@@ -404,8 +404,14 @@ void frmPlotLXSection::drawLongSection() {
   options.unitsPerKilometre = kUnitsPerKilometre;
   options.title.symbols = session->numberSymbols();
   try {
-    m_longSection = std::make_unique<drawing::LongSectionSheet>(
-        engine::computeLongProfile(*session, from, to, options.executed), options);
+    engine::LongProfile profile = engine::computeLongProfile(*session, from, to, options.executed);
+    // The datum stands below every level of the range, drawn or not (an outer reading lower than
+    // the outermost one counts too).
+    if (profile.lowest) {
+      options.fixedDatum = true;
+      options.fixedDatumValue = std::floor(*profile.lowest) - 1.0f;
+    }
+    m_longSection = std::make_unique<drawing::LongSectionSheet>(std::move(profile), options);
   } catch (const db::Error& error) {
     message(error.message(), sheets::MessageIcon::Critical);
   }
