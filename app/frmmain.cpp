@@ -24,7 +24,6 @@
 #include "sheets/frmreport.h"
 #include "sheets/gridcontrol.h"
 #include "sheets/modgridstyles.h"
-#include "sheets/printable.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -213,7 +212,8 @@ void frmMain::createMenus() {
               &frmMain::filePageSetup);
   addMenuItem(file, QStringLiteral("mnuFilePrint"), QStringLiteral("&Print..."),
               &frmMain::filePrint);
-  // A page window's sheet as a file: every page as PDF, the page shown as PNG or SVG.
+  // A page window's sheet, or a data sheet's or report's whole table, as a file: every page as
+  // PDF, the page shown as PNG or SVG.
   for (const auto& [name, caption, extension] :
        {std::tuple{"mnuFileSavePdf", "Save as P&DF...", "pdf"},
         std::tuple{"mnuFileSavePng", "Save as PN&G...", "png"},
@@ -222,8 +222,11 @@ void frmMain::createMenus() {
         addMenuItem(file, QString::fromLatin1(name), QString::fromLatin1(caption), nullptr);
     const QString kind = QString::fromLatin1(extension);
     connect(save, &QAction::triggered, this, [this, kind] {
-      if (QMdiSubWindow* child = activeChild())
-        if (auto* form = qobject_cast<PrintForm*>(child->widget())) form->askAndSave(kind);
+      QMdiSubWindow* child = activeChild();
+      if (auto* form = child ? qobject_cast<PrintForm*>(child->widget()) : nullptr)
+        form->askAndSave(kind);
+      else if (std::optional<PrintSheet> table = activeTable())
+        tableForm(std::move(*table))->askAndSave(kind);
     });
     m_sheetSaveItems.append(save);
   }
@@ -338,7 +341,9 @@ void frmMain::createMenus() {
   connect(m_mnuWindow, &QMenu::aboutToShow, this, &frmMain::updateWindowMenu);
   connect(m_mdiArea, &QMdiArea::subWindowActivated, this, &frmMain::updateWindowMenu);
   connect(m_mdiArea, &QMdiArea::subWindowActivated, this, [this](QMdiSubWindow* child) {
-    const bool sheet = child && qobject_cast<PrintForm*>(child->widget());
+    const bool sheet = child && (qobject_cast<PrintForm*>(child->widget()) ||
+                                 qobject_cast<sheets::frmDataGrid*>(child->widget()) ||
+                                 qobject_cast<sheets::frmReport*>(child->widget()));
     for (QAction* item : m_sheetSaveItems) item->setEnabled(sheet);
   });
   for (QAction* item : m_sheetSaveItems) item->setEnabled(false);
@@ -651,6 +656,11 @@ void frmMain::filePrint() {
     form->PrintThis();
     return;
   }
+  // A data sheet or report prints its whole table through the page engine.
+  if (std::optional<PrintSheet> table = activeTable()) {
+    tableForm(std::move(*table))->PrintThis();
+    return;
+  }
   QPrintDialog dialog(&printer(), this);
   dialog.setWindowTitle(QStringLiteral("Print"));
   dialog.setOption(QAbstractPrintDialog::PrintPageRange, false);
@@ -663,12 +673,26 @@ void frmMain::filePrint() {
     return;
   }
   const QRect page(QPoint(0, 0), device.pageLayout().paintRectPixels(device.resolution()).size());
-  QWidget* window = child->widget();
-  if (auto* printable = dynamic_cast<sheets::Printable*>(window))
-    printable->printTo(painter, page);
-  else
-    printScreenImage(*window, device, painter, page);
+  printScreenImage(*child->widget(), device, painter, page);
   painter.end();
+}
+
+std::optional<PrintSheet> frmMain::activeTable() const {
+  if (sheets::frmDataGrid* sheet = activeDataSheet())
+    return tablePrintSheet(m_state, sheet->grid(), sheet->strCurrentDataSheet);
+  if (sheets::frmReport* report = activeReport()) {
+    const QString name = activeChild()->windowTitle();
+    return tablePrintSheet(m_state, report->scg(), name);
+  }
+  return std::nullopt;
+}
+
+std::unique_ptr<PrintForm> frmMain::tableForm(PrintSheet table) {
+  auto form = std::make_unique<PrintForm>(m_context, std::move(table));
+  form->setSaveFileFunction(m_saveFile);
+  if (!m_state.strDatabasePath.isEmpty())
+    form->setSaveFolder(QFileInfo(m_state.strDatabasePath).absolutePath());
+  return form;
 }
 
 // ---- Edit

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/helpwindow.h"
+#include "app/printform.h"
 #include "sheets/dlgsearchwindow.h"
 #include "sheets/sheetcontext.h"
 
@@ -13,6 +14,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 
 class QAction;
 class QCheckBox;
@@ -182,6 +184,11 @@ class frmMain : public QMainWindow, public sheets::MainWindowLink {
   bool askYesNo(const QString& title, const QString& text);
   QString input(const QString& title, const QString& prompt, const QString& defaultText);
   QPrinter& printer();
+  // The whole table of the active data sheet or report as a printable sheet; nullopt for any
+  // other window.
+  std::optional<PrintSheet> activeTable() const;
+  // An unshown page window over a table, to print or save it from File.
+  std::unique_ptr<PrintForm> tableForm(PrintSheet table);
 
   AppState& m_state;
   sheets::SheetContext m_context;

@@ -3,13 +3,16 @@
 #include "app/appstate.h"
 #include "db/connection.h"
 #include "drawing/sheettitle.h"
+#include "drawing/tablesheet.h"
 #include "engine/designsection.h"
 #include "engine/numberformat.h"
 #include "engine/reporter.h"
 #include "engine/sectionviews.h"
 #include "engine/session.h"
+#include "sheets/gridcontrol.h"
 
 #include <QApplication>
+#include <QDate>
 #include <QDir>
 #include <QFileInfo>
 #include <QMdiArea>
@@ -104,6 +107,40 @@ PrintSheet printSheetOf(Values values, const Options& options, const QString& ki
 }
 
 }  // namespace
+
+PrintSheet tablePrintSheet(const AppState& state, const sheets::GridControl& grid,
+                           const QString& name) {
+  std::vector<drawing::TableColumn> columns;
+  for (int c = 0; c < grid.Cols(); ++c) {
+    // Screen pixels at the usual 96 to the inch.
+    columns.push_back({grid.Text(-1, c), grid.ColWidth(c) * 25.4 / 96.0});
+  }
+  drawing::TableRows rows;
+  rows.count = grid.Rows();
+  const sheets::GridControl* source = &grid;
+  rows.text = [source](int row) {
+    QStringList cells;
+    for (int c = 0; c < source->Cols(); ++c) cells << source->Text(row, c);
+    return cells;
+  };
+  rows.bold = [source](int row) { return source->Cols() > 0 && source->CellBold(row, 0); };
+  drawing::TableSheetOptions options;
+  options.title = sheetTitleOf(state);
+  if (state.lngSectionID < 1) options.title.sectionDescription.clear();
+  if (state.lngPackageID < 1) options.title.packageName.clear();
+  options.name = name;
+  options.date = QDate::currentDate().toString(Qt::ISODate);
+
+  PrintSheet sheet;
+  sheet.caption = name;
+  sheet.fileName = fileNameOf(options.title, name.toLower());
+  sheet.produce = [columns, rows, options](double) {
+    return std::make_unique<drawing::TableSheet>(columns, rows, options);
+  };
+  const drawing::TableSheet laidOut(columns, rows, options);
+  sheet.pageMm = QSize(laidOut.pageWidthMm(), laidOut.pageHeightMm());
+  return sheet;
+}
 
 PrintSheet crossSectionPrintSheet(std::vector<engine::CrossSection> sections,
                                   drawing::CrossSectionSheetOptions options) {

@@ -10,6 +10,10 @@
 
 class QWidget;
 
+namespace sheets {
+class GridControl;
+}
+
 namespace app {
 
 struct AppState;
@@ -20,6 +24,11 @@ PrintSheet crossSectionPrintSheet(std::vector<engine::CrossSection> sections,
                                   drawing::CrossSectionSheetOptions options);
 PrintSheet longSectionPrintSheet(engine::LongProfile profile,
                                  drawing::LongSectionSheetOptions options);
+
+// The whole table of a data sheet or report (every row, the columns in their screen widths, hidden
+// ones left out) as a printable sheet named name, titled with the current selection.
+PrintSheet tablePrintSheet(const AppState& state, const sheets::GridControl& grid,
+                           const QString& name);
 
 // The scales the cross-section window offers, by their labels, and the scale of each.
 QStringList crossSectionScaleLabels();

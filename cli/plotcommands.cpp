@@ -208,23 +208,6 @@ std::optional<PlotRequest> parseRequest(Context& context, int& code) {
   return request;
 }
 
-// The title line's names: the file, the section's package and description.
-drawing::SheetTitle sheetTitle(db::Connection& connection, const PlotRequest& request) {
-  drawing::SheetTitle title;
-  title.projectFile = QFileInfo(request.file).fileName();
-  title.sectionId = request.section;
-  db::Statement st = connection.prepare(
-      QStringLiteral("SELECT s.Description, p.Name FROM Sections s LEFT JOIN Package p ON p.ID "
-                     "= s.PackageID WHERE s.ID=?"),
-      QStringLiteral("Reading the names of section %1").arg(request.section));
-  st.bindKey(1, request.section);
-  if (st.step()) {
-    title.sectionDescription = st.text(0);
-    title.packageName = st.text(1);
-  }
-  return title;
-}
-
 QString pagesText(int count) {
   return count == 1 ? QStringLiteral("1 page") : QStringLiteral("%1 pages").arg(count);
 }
@@ -362,7 +345,8 @@ int plot(Context& context) {
     return failed;
   return project.guarded(context, [&]() -> int {
     if (int failed = project.useSection(context, request->section); failed >= 0) return failed;
-    const drawing::SheetTitle title = sheetTitle(*project.connection, *request);
+    const drawing::SheetTitle title =
+        sheetTitleOf(*project.connection, request->file, request->section);
     if (request->typical)
       return plotTypicalSection(context, *request, *project.engine, *project.reporter, title);
     return request->longSection

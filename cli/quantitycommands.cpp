@@ -3,10 +3,15 @@
 #include "cli/session.h"
 #include "db/connection.h"
 #include "db/numbers.h"
+#include "db/project.h"
+#include "drawing/pageoutput.h"
+#include "drawing/tablesheet.h"
 #include "engine/areas.h"
 #include "engine/numberformat.h"
 #include "engine/quantities.h"
 #include "engine/session.h"
+
+#include <QDate>
 
 #include <map>
 #include <memory>
@@ -17,6 +22,7 @@ namespace cli {
 namespace {
 
 const QString kCsv = QStringLiteral("csv");
+const QString kOutput = QStringLiteral("output");
 const QString kAll = QStringLiteral("all");
 
 // The console reporter that also keeps the status-bar texts, which the text output prints.
@@ -122,6 +128,10 @@ void quantitiesOptions(QCommandLineParser& parser) {
                                    "others (default: compute every chainage)."),
                     QStringLiteral("C")});
   parser.addOption({kCsv, QStringLiteral("Write the summary as comma-separated plain numbers.")});
+  parser.addOption({kOutput,
+                    QStringLiteral("Also print the summary, every row over A4 pages with its "
+                                   "totals, to OUT.pdf (or one OUT.png or OUT.svg per page)."),
+                    QStringLiteral("OUT")});
   parser.addOption({kAll, QStringLiteral("Run every section of every package and print the "
                                          "totals of each and the grand total.")});
 }
@@ -134,6 +144,47 @@ QString csvNumber(const std::optional<float>& value) {
   return value ? db::floatText(*value) : QString();
 }
 
+// Prints the Quantity Summary as the desktop's File > Print does; -1 when written, else the exit
+// code after the reason went to stderr.
+int printSummary(Context& context, Session& s, std::int32_t section,
+                 const engine::MemoryReportGrid& grid) {
+  const QString output = context.parser.value(kOutput);
+  const std::optional<drawing::PageFormat> format = drawing::pageFormatOf(output);
+  if (!format || *format == drawing::PageFormat::Json)
+    return usageError(context,
+                      QStringLiteral("--output takes a file ending in .pdf, .png or .svg."));
+  if (db::isSameFile(output, s.connection->path()))
+    return usageError(context, QStringLiteral("--output would write the project file itself: "
+                                              "give another file."));
+  std::vector<drawing::TableColumn> columns;
+  for (const QString& header : engine::QuantitySummaryHeaders()) columns.push_back({header, 32.0});
+  drawing::TableRows rows;
+  rows.count = grid.RowCount();
+  const int width = static_cast<int>(columns.size());
+  rows.text = [&grid, width](int row) {
+    QStringList cells;
+    for (int c = 0; c < width; ++c) cells.append(grid.text(row, c));
+    return cells;
+  };
+  rows.bold = [&grid](int row) { return grid.bold(row, 0); };
+  drawing::TableSheetOptions options;
+  options.title = sheetTitleOf(*s.connection, s.connection->path(), section);
+  options.name = QStringLiteral("Quantity Summary");
+  options.date = QDate::currentDate().toString(Qt::ISODate);
+  const drawing::TableSheet sheet(columns, rows, options);
+  const drawing::PageOutputResult result =
+      drawing::writePages(sheet, output, *format, 0, sheet.pageCount() - 1, options.name);
+  if (!result.ok) {
+    context.err << result.message << '\n';
+    return kCannotOpen;
+  }
+  if (!context.parser.isSet(kJson))
+    context.err << "Wrote " << sheet.pageCount() << (sheet.pageCount() == 1 ? " page" : " pages")
+                << " of the quantity summary to " << result.written.join(QStringLiteral(", "))
+                << ".\n";
+  return -1;
+}
+
 int oneSection(Context& context, Session& s, std::int32_t section, float chainage) {
   if (int failed = s.useSection(context, section); failed >= 0) return failed;
   engine::EngineSession& session = *s.engine;
@@ -142,6 +193,9 @@ int oneSection(Context& context, Session& s, std::int32_t section, float chainag
   engine::ComputeQuantities(session, &grid, chainage,
                             [&rows](const engine::QuantityRow& row) { rows.push_back(row); });
   const engine::QuantityRunState& run = session.quantityRun();
+  if (context.parser.isSet(kOutput) && run.Computed) {
+    if (int failed = printSummary(context, s, section, grid); failed >= 0) return failed;
+  }
 
   if (context.parser.isSet(kJson)) {
     QJsonArray out;
@@ -247,9 +301,9 @@ int quantities(Context& context) {
   std::optional<std::int32_t> section;
   if (all) {
     if (context.parser.isSet(kSection) || context.parser.isSet(kChainage) ||
-        context.parser.isSet(kCsv))
+        context.parser.isSet(kCsv) || context.parser.isSet(kOutput))
       return usageError(context, QStringLiteral("--all runs every section; it takes no --section, "
-                                                "--chainage or --csv."));
+                                                "--chainage, --csv or --output."));
   } else {
     section = sectionOption(context, code);
     if (!section) return code;

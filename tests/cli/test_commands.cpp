@@ -791,6 +791,33 @@ TEST(CliPlot, DemoPdfsHaveTheReportedPagesAndTheirBandTitles) {
   }
 }
 
+// The printed summary runs over pages, each titled with its number, the totals on the last.
+TEST(CliQuantities, PrintedSummaryHoldsEveryRowAndTheTotals) {
+  if (!poppler("pdfinfo", {}) || !poppler("pdftotext", {}))
+    GTEST_SKIP() << "pdfinfo and pdftotext (poppler-utils) are not installed";
+  TempProject project;
+  project.create(true);
+  const QString pdf = project.dir().filePath(QStringLiteral("q.pdf"));
+  const testsupport::CliResult r = testsupport::runCli(
+      {QStringLiteral("quantities"), project.path(), QStringLiteral("--section"),
+       QStringLiteral("1"), QStringLiteral("--output"), pdf});
+  ASSERT_EQ(r.code, 0) << r.err.toStdString();
+  const QRegularExpressionMatch pages =
+      QRegularExpression(QStringLiteral("^Pages:\\s+(\\d+)$"), QRegularExpression::MultilineOption)
+          .match(poppler("pdfinfo", {pdf}).value_or(QString()));
+  ASSERT_TRUE(pages.hasMatch());
+  const QString n = pages.captured(1);
+  ASSERT_GT(n.toInt(), 1);
+  const QString last =
+      poppler("pdftotext", {QStringLiteral("-f"), n, pdf, QStringLiteral("-")})->simplified();
+  EXPECT_TRUE(last.contains(QStringLiteral("Page %1 of %1").arg(n))) << last.toStdString();
+  EXPECT_TRUE(last.contains(QStringLiteral("46,102.62 59,255.66"))) << last.toStdString();
+  const QString first =
+      poppler("pdftotext", {QStringLiteral("-l"), QStringLiteral("1"), pdf, QStringLiteral("-")})
+          ->simplified();
+  EXPECT_TRUE(first.contains(QStringLiteral("Chainage Cut Area Fill Area"))) << first.toStdString();
+}
+
 // The recorded primitives are for scripts: every page names its size, its layers' styles and
 // primitives that use those layers, under a title naming the package and the section.
 TEST(CliPlot, JsonOutputHoldsPagesLayersAndPrimitives) {
