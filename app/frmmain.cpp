@@ -16,6 +16,7 @@
 #include "db/connection.h"
 #include "db/schema.h"
 #include "engine/initialorder.h"
+#include "engine/numbertext.h"
 #include "engine/progress.h"
 #include "engine/quantityexport.h"
 #include "engine/session.h"
@@ -59,19 +60,6 @@ namespace app {
 namespace {
 
 const QString kTitle = QStringLiteral("Delvane");
-
-// The leading number of an input box's text, as a single: "150", " 2.5 km" and "1e3" read;
-// text that does not start with a number gives nothing.
-std::optional<float> leadingNumber(const QString& text) {
-  static const QRegularExpression kNumber(
-      QStringLiteral("^\\s*[+-]?(\\d+\\.?\\d*|\\.\\d+)([eE][+-]?\\d+)?"));
-  const QRegularExpressionMatch match = kNumber.match(text);
-  if (!match.hasMatch()) return std::nullopt;
-  bool ok = false;
-  const float value = match.captured(0).trimmed().toFloat(&ok);
-  if (!ok || !std::isfinite(value)) return std::nullopt;
-  return value;
-}
 
 // Prints a window that does not draw itself as its screen image, as wide as the page and cut
 // into page-high slices.
@@ -486,6 +474,12 @@ void frmMain::EnableMenus() {
 
 void frmMain::useExecutedLevelChanged(bool checked) {
   if (m_state.engine) m_state.engine->setUseExecutedLevel(checked);
+  clearTotals();
+}
+
+void frmMain::clearTotals() {
+  // The totals of the last run no longer hold for the levels or the project now in use.
+  for (int panel = 1; panel <= 3; ++panel) setStatusPanel(panel, QString());
 }
 
 void frmMain::runEngine(const std::function<void()>& computation) {
@@ -702,6 +696,21 @@ void frmMain::editMenuEvent(std::int16_t command) {
   if (sheets::frmDataGrid* sheet = activeDataSheet()) sheet->HandleMenuEvent(command);
 }
 
+std::optional<std::int16_t> frmMain::recordCount(const QString& title) {
+  const QString text =
+      input(title, QStringLiteral("Number of records to add ?"), QStringLiteral("1"));
+  if (text.isEmpty()) return std::nullopt;  // cancelled
+  const std::optional<std::int16_t> count = settingsNumber(text);
+  if (!count || *count < 1) {
+    message(QStringLiteral("\"%1\" is not a number of records to add: give a whole number from 1 "
+                           "to 32767.")
+                .arg(text),
+            sheets::MessageIcon::Warning);
+    return std::nullopt;
+  }
+  return count;
+}
+
 void frmMain::editAdd() {
   sheets::frmDataGrid* sheet = activeDataSheet();
   if (!sheet || !m_state.cnProject || refusedWhileRunning()) return;
@@ -728,9 +737,7 @@ void frmMain::editAdd() {
     }
     if (name == QLatin1String("DesignDetails") || name == QLatin1String("DesignLevels") ||
         name == QLatin1String("Outlets")) {
-      const std::optional<std::int16_t> count =
-          settingsNumber(input(QStringLiteral("Add Data"),
-                               QStringLiteral("Number of records to add ?"), QStringLiteral("1")));
+      const std::optional<std::int16_t> count = recordCount(QStringLiteral("Add Data"));
       if (!count) return;
       if (!savedBeforeAdd()) return;
       engine::DelayedProgress progress(reporter, QStringLiteral("Adding records..."), *count);
@@ -740,15 +747,19 @@ void frmMain::editAdd() {
       if (m_state.engine && name != QLatin1String("Outlets")) m_state.engine->levelDataChanged();
     } else if (name == QLatin1String("Initial") || name == QLatin1String("Executed")) {
       const QString title = QStringLiteral("Add Initial Data");
-      const std::optional<std::int16_t> count = settingsNumber(
-          input(title, QStringLiteral("Number of records to add ?"), QStringLiteral("1")));
+      const std::optional<std::int16_t> count = recordCount(title);
       if (!count) return;
-      const std::optional<float> chainage =
-          leadingNumber(input(title, QStringLiteral("Chainage ?"), QStringLiteral("0")));
-      if (!chainage) return;
+      // An empty or wordy answer is chainage 0, as the number a text starts with.
+      const float chainage = static_cast<float>(
+          engine::leadingNumber(input(title, QStringLiteral("Chainage ?"), QStringLiteral("0"))));
+      if (!std::isfinite(chainage)) {
+        message(QStringLiteral("The chainage is too large; nothing was added."),
+                sheets::MessageIcon::Warning);
+        return;
+      }
       if (!savedBeforeAdd()) return;
       engine::DelayedProgress progress(reporter, QStringLiteral("Adding records..."), *count);
-      db::AddLevelRows(connection, name, key, *chainage, *count,
+      db::AddLevelRows(connection, name, key, chainage, *count,
                        [&progress](int done) { progress.step(done); });
       sheet->RefreshData();
       if (m_state.engine) m_state.engine->levelDataChanged();
@@ -1102,9 +1113,7 @@ void frmMain::DoubleClickHandler(int row) {
       setWindowTitle(kTitle + QStringLiteral(" - ") + m_state.strPackageName +
                      QStringLiteral(" - ") + m_state.strSectionDescription);
       if (m_state.engine) m_state.engine->setSection(m_state.lngSectionID);
-      setStatusPanel(1, QString());
-      setStatusPanel(2, QString());
-      setStatusPanel(3, QString());
+      clearTotals();
       EnableMenus();
     } else if (name == QLatin1String("QuantitySummary")) {
       const QString text = activeReport()->scg().Text(row, 0).trimmed();

@@ -163,6 +163,8 @@ class frmMain : public QMainWindow, public sheets::MainWindowLink {
                          const QString& iconKey, void (frmMain::*command)());
   QAction* commandAction(Command command) const;
   void useExecutedLevelChanged(bool checked);
+  // Empties the status bar's volume and time panels.
+  void clearTotals();
   // Runs a long engine computation (the quantity run, the plotted sections, the export, the
   // ordering of the initial levels) with the program marked busy until it ends.
   void runEngine(const std::function<void()>& computation);
@@ -183,6 +185,9 @@ class frmMain : public QMainWindow, public sheets::MainWindowLink {
   void message(const QString& text, sheets::MessageIcon icon);
   bool askYesNo(const QString& title, const QString& text);
   QString input(const QString& title, const QString& prompt, const QString& defaultText);
+  // Asks how many records to add; nullopt when the user cancelled or was told the answer is not
+  // a count from 1 to 32767.
+  std::optional<std::int16_t> recordCount(const QString& title);
   QPrinter& printer();
   // The whole table of the active data sheet or report as a printable sheet; nullopt for any
   // other window.

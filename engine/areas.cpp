@@ -3,6 +3,7 @@
 #include "db/numbers.h"
 #include "engine/designlevels.h"
 #include "engine/designsection.h"
+#include "engine/numbertext.h"
 #include "engine/session.h"
 #include "engine/statementcache.h"
 
@@ -33,30 +34,6 @@ void resetProfile(std::vector<ProfilePoint>& profile, int capacity) {
 void appendPoint(std::vector<ProfilePoint>& profile, int& count, float offset, float level) {
   if (count >= static_cast<int>(profile.size())) profile.resize(count + 1);
   profile[count++] = {offset, level};
-}
-
-// The number at the start of text the way a formula value is read back ("1.5", "2abc" -> 2);
-// 0 when there is none.
-float leadingNumber(const QString& text) {
-  const QString t = text.trimmed();
-  qsizetype end = 0;
-  if (end < t.size() && (t[end] == QLatin1Char('+') || t[end] == QLatin1Char('-'))) ++end;
-  qsizetype digits = 0;
-  while (end < t.size() && t[end].isDigit()) ++end, ++digits;
-  if (end < t.size() && t[end] == QLatin1Char('.')) {
-    ++end;
-    while (end < t.size() && t[end].isDigit()) ++end, ++digits;
-  }
-  if (digits == 0) return 0.0f;
-  if (end < t.size() && (t[end] == QLatin1Char('e') || t[end] == QLatin1Char('E'))) {
-    qsizetype e = end + 1;
-    if (e < t.size() && (t[e] == QLatin1Char('+') || t[e] == QLatin1Char('-'))) ++e;
-    if (e < t.size() && t[e].isDigit()) {
-      while (e < t.size() && t[e].isDigit()) ++e;
-      end = e;
-    }
-  }
-  return static_cast<float>(t.left(end).toDouble());
 }
 
 float interpolate(ProfilePoint a, ProfilePoint b, float x) {
@@ -431,12 +408,11 @@ void computeSectionAreas(EngineSession& session, float& chainage, bool storeArea
 
   modVariables& variables = session.variables();
   if (st.Left.Present)
-    findCatchPoint(
-        st.Left, leadingNumber(variables.SubstituteFormulaVariables(QStringLiteral("$SRS_LEFT"))));
+    findCatchPoint(st.Left, static_cast<float>(leadingNumber(variables.SubstituteFormulaVariables(
+                                QStringLiteral("$SRS_LEFT")))));
   if (st.Right.Present)
-    findCatchPoint(
-        st.Right,
-        leadingNumber(variables.SubstituteFormulaVariables(QStringLiteral("$SRS_RIGHT"))));
+    findCatchPoint(st.Right, static_cast<float>(leadingNumber(variables.SubstituteFormulaVariables(
+                                 QStringLiteral("$SRS_RIGHT")))));
 
   mergeSide(st.Left);
   mergeSide(st.Right);

@@ -4,6 +4,8 @@
 #include "engine/areas.h"
 #include "engine/designsection.h"
 #include "engine/numberformat.h"
+#include "engine/numbertext.h"
+#include "engine/numbertext.h"
 #include "engine/progress.h"
 #include "engine/session.h"
 #include "engine/statementcache.h"
@@ -183,8 +185,10 @@ void ComputeQuantities(EngineSession& session, ReportGrid* sheet, float chainage
   reporter.statusText(2, QStringLiteral("Filling Volume : ") +
                              formatNumber(run.TotalFillVolume, 2, symbols) +
                              QStringLiteral(" cum"));
+  // A single's text: seven significant digits ("0.1992188"), not every digit of its binary
+  // fraction ("0.19921875").
   reporter.statusText(3, QStringLiteral("Time : ") +
-                             db::floatText(secondsSinceMidnight() - startTime) +
+                             generalText7(secondsSinceMidnight() - startTime) +
                              QStringLiteral(" secs"));
 }
 

@@ -1,11 +1,11 @@
-#include "sheets/cellnumbers.h"
+#include "engine/numbertext.h"
 
 #include <charconv>
 #include <limits>
 #include <string>
 #include <system_error>
 
-namespace sheets {
+namespace engine {
 
 namespace {
 
@@ -91,4 +91,4 @@ QString generalText7(float value) {
   return QString::number(static_cast<double>(value), 'G', 7);
 }
 
-}  // namespace sheets
+}  // namespace engine

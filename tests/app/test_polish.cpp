@@ -1,0 +1,71 @@
+#include "app/twips.h"
+#include "tests/app/appfixture.h"
+#include "tests/qtestmain.h"
+
+#include <QCheckBox>
+#include <QStandardPaths>
+
+using apptest::Desk;
+
+// What a user meets at once: where the window comes back, what Add says, what the status bar
+// shows.
+class TestPolish : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void initTestCase() { QStandardPaths::setTestModeEnabled(true); }
+
+  void windowsComeBackOntoAScreen_data() {
+    QTest::addColumn<QRect>("wanted");
+    QTest::addColumn<QRect>("placed");
+    QTest::newRow("on the screen") << QRect(100, 50, 800, 600) << QRect(100, 50, 800, 600);
+    QTest::newRow("partly off, caption reachable")
+        << QRect(1800, 50, 800, 600) << QRect(1800, 50, 800, 600);
+    QTest::newRow("on a monitor unplugged")
+        << QRect(2500, 100, 800, 600) << QRect(1120, 100, 800, 600);
+    QTest::newRow("caption above the screen")
+        << QRect(100, -300, 800, 600) << QRect(100, 0, 800, 600);
+    QTest::newRow("larger than the screen")
+        << QRect(-3000, 0, 2500, 1500) << QRect(0, 0, 1920, 1040);
+  }
+  void windowsComeBackOntoAScreen() {
+    QFETCH(QRect, wanted);
+    QFETCH(QRect, placed);
+    QCOMPARE(app::placeOnScreens(wanted, {QRect(0, 0, 1920, 1040)}), placed);
+  }
+
+  void addSaysWhenTheCountIsNoCountAndTakesAnEmptyChainageAsZero() {
+    Desk desk;
+    desk.exec("INSERT INTO Package (ID, Name) VALUES (1, 'P')");
+    desk.exec("INSERT INTO Sections (ID, PackageID) VALUES (6, 1)");
+    desk.choose(1, 6);
+    desk.window->dataInitial();
+    desk.inputs = {"40000"};
+    desk.window->editAdd();
+    QVERIFY2(desk.messagesText().contains("give a whole number from 1 to 32767"),
+             qPrintable(desk.messagesText()));
+    QCOMPARE(desk.count("Initial"), 0);
+    desk.inputs = {"2", ""};
+    desk.window->editAdd();
+    QCOMPARE(desk.count("Initial", "SectionID=6 AND Chainage=0"), 2);
+  }
+
+  // Seven significant digits, as a single is written; stale totals go.
+  void statusTotalsShowSingleTimeAndClearWhenStale() {
+    Desk desk(true);
+    desk.choose(1, 1);
+    desk.window->outputViewQuantity();
+    const QString time = desk.window->statusPanel(3);
+    QVERIFY2(time.startsWith("Time : ") && time.endsWith(" secs"), qPrintable(time));
+    QString digits = time.section(QLatin1Char(' '), 2, 2).section(QLatin1Char('E'), 0, 0);
+    digits.remove(QLatin1Char('.'));
+    while (digits.startsWith(QLatin1Char('0'))) digits.remove(0, 1);
+    QVERIFY2(digits.size() <= 7, qPrintable(time));
+    QVERIFY(!desk.window->statusPanel(1).isEmpty());
+    desk.window->chkUseExecutedLevel()->click();
+    for (int panel = 1; panel <= 3; ++panel) QCOMPARE(desk.window->statusPanel(panel), QString());
+  }
+};
+
+DELVANE_QTEST(TestPolish)
+#include "test_polish.moc"
