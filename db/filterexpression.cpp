@@ -144,14 +144,24 @@ class Parser {
 
   QString value(const QString& field) {
     if (peek() == QLatin1Char('\'')) {
-      const int close = m_text.indexOf(QLatin1Char('\''), m_pos + 1);
-      if (close < 0)
-        throw Error(QStringLiteral("The value ") + m_text.mid(m_pos) +
-                    QStringLiteral(" of the field [") + field +
-                    QStringLiteral("] has no closing quote."));
-      const QString text = m_text.mid(m_pos + 1, close - m_pos - 1);
-      m_pos = close + 1;
-      return text;
+      // A quote inside the value is written twice: 'O''Brien' is O'Brien.
+      QString text;
+      int at = m_pos + 1;
+      for (;;) {
+        const int close = m_text.indexOf(QLatin1Char('\''), at);
+        if (close < 0)
+          throw Error(QStringLiteral("The value ") + m_text.mid(m_pos) +
+                      QStringLiteral(" of the field [") + field +
+                      QStringLiteral("] has no closing quote."));
+        text += m_text.mid(at, close - at);
+        if (close + 1 < m_text.size() && m_text[close + 1] == QLatin1Char('\'')) {
+          text += QLatin1Char('\'');
+          at = close + 2;
+          continue;
+        }
+        m_pos = close + 1;
+        return text;
+      }
     }
     // A bare number, as someone typing the filter by hand might write it.
     const int start = m_pos;

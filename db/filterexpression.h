@@ -9,7 +9,8 @@
 namespace db {
 
 // A row filter as the filter window writes it: terms "[field] op 'value'" joined by AND and
-// OR, for example [Chainage] >= '100' AND [Offset] LIKE '%5%'. AND binds tighter than OR.
+// OR, for example [Chainage] >= '100' AND [Offset] LIKE '%5%'. AND binds tighter than OR. A quote
+// inside a value is doubled: [Name] = 'O''Brien'.
 // Operators: =, <>, <, >, <=, >=, LIKE. LIKE matches case-insensitively with % or * standing
 // for any run of characters. Text comparisons ignore case; a value compared with a numeric
 // column is compared as a number. A NULL cell matches no term.
@@ -26,7 +27,7 @@ class FilterExpression {
   struct Term {
     int column = -1;  // index into the fields given to parse
     Op op = Op::Equal;
-    QString value;      // as written between the quotes
+    QString value;      // between the quotes, a doubled quote read as one
     double number = 0;  // the value as a number, for numeric columns
   };
 

@@ -107,8 +107,10 @@ QString dlgSearchWindow::searchText() const { return m_lblSearchText->text(); }
 QString dlgSearchWindow::filterTerm(const QString& field, const QString& condition,
                                     const QString& value) {
   const QString wildcard = condition == kLike ? QStringLiteral("%") : QString();
+  QString quoted = value;
+  quoted.replace(QLatin1Char('\''), QStringLiteral("''"));
   return QLatin1Char('[') + field + QStringLiteral("] ") + condition + QStringLiteral(" '") +
-         wildcard + value + wildcard + QLatin1Char('\'');
+         wildcard + quoted + wildcard + QLatin1Char('\'');
 }
 
 void dlgSearchWindow::updateEnabling() {

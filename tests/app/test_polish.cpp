@@ -1,4 +1,6 @@
 #include "app/twips.h"
+#include "db/filterexpression.h"
+#include "sheets/dlgsearchwindow.h"
 #include "tests/app/appfixture.h"
 #include "tests/qtestmain.h"
 
@@ -48,6 +50,36 @@ class TestPolish : public QObject {
     desk.inputs = {"2", ""};
     desk.window->editAdd();
     QCOMPARE(desk.count("Initial", "SectionID=6 AND Chainage=0"), 2);
+  }
+
+  // A value with an apostrophe is written with the quote doubled and read back whole.
+  void filterValuesKeepTheirApostrophes_data() {
+    QTest::addColumn<QString>("condition");
+    QTest::addColumn<QString>("value");
+    QTest::addColumn<QString>("cell");
+    QTest::addColumn<bool>("matches");
+    QTest::newRow("equal") << "="
+                           << "O'Brien"
+                           << "O'Brien" << true;
+    QTest::newRow("equal, other") << "="
+                                  << "O'Brien"
+                                  << "O" << false;
+    QTest::newRow("like") << "LIKE"
+                          << "'B"
+                          << "O'Brien" << true;
+    QTest::newRow("two quotes") << "="
+                                << "''"
+                                << "''" << true;
+  }
+  void filterValuesKeepTheirApostrophes() {
+    QFETCH(QString, condition);
+    QFETCH(QString, value);
+    QFETCH(QString, cell);
+    QFETCH(bool, matches);
+    const QString term = sheets::dlgSearchWindow::filterTerm("Name", condition, value);
+    const db::FilterExpression filter =
+        db::FilterExpression::parse(term + " AND [Name] <> 'x'", {{"Name", false}});
+    QCOMPARE(filter.matches([&cell](int) { return QVariant(cell); }), matches);
   }
 
   // Seven significant digits, as a single is written; stale totals go.
