@@ -182,6 +182,8 @@ frmOptions::NumberBox frmOptions::addNumberBox(const QString& name, QGridLayout&
   box.problem = new QLabel(QStringLiteral("Enter a number from -32768 to 32767."), frame);
   box.problem->setObjectName(name + QStringLiteral("Problem"));
   box.problem->setStyleSheet(QStringLiteral("QLabel { color: rgb(192, 0, 0); }"));
+  // Its whole width is kept, so that the dialog widens rather than cut the message off.
+  box.problem->setMinimumWidth(box.problem->sizeHint().width());
   box.problem->setVisible(false);
   layout.addWidget(box.edit, row, 1);
   layout.addWidget(box.problem, row, 2);
@@ -243,6 +245,8 @@ bool frmOptions::apply() {
   m_settings.LSectionScale = *readings[3].value;
   m_settings.MetersPerPage = *readings[4].value;
   if (m_saveSettings) m_saveSettings();
+  // The boxes show what was stored: "12.7" was kept as 13.
+  fillControls();
   return true;
 }
 

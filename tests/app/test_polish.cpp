@@ -1,3 +1,4 @@
+#include "app/frmoptions.h"
 #include "app/twips.h"
 #include "db/filterexpression.h"
 #include "sheets/dlgsearchwindow.h"
@@ -5,6 +6,9 @@
 #include "tests/qtestmain.h"
 
 #include <QCheckBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
 #include <QStandardPaths>
 
 using apptest::Desk;
@@ -80,6 +84,23 @@ class TestPolish : public QObject {
     const db::FilterExpression filter =
         db::FilterExpression::parse(term + " AND [Name] <> 'x'", {{"Name", false}});
     QCOMPARE(filter.matches([&cell](int) { return QVariant(cell); }), matches);
+  }
+
+  // After Apply the boxes show what was stored; a refused box's message shows whole.
+  void optionsShowWhatWasStoredAndTheWholeMessage() {
+    app::Settings settings;
+    app::frmOptions dialog(settings, {});
+    dialog.show();
+    auto* metres = dialog.findChild<QLineEdit*>("txtMetresPerPage");
+    metres->setText("1250.6");
+    dialog.findChild<QPushButton*>("cmdApply")->click();
+    QCOMPARE(metres->text(), QString("1251"));
+    metres->setText("40000");
+    dialog.findChild<QPushButton*>("cmdApply")->click();
+    auto* problem = dialog.findChild<QLabel*>("txtMetresPerPageProblem");
+    QVERIFY(problem->isVisible());
+    QCoreApplication::processEvents();
+    QVERIFY(problem->width() >= problem->sizeHint().width());
   }
 
   // Seven significant digits, as a single is written; stale totals go.
