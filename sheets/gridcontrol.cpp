@@ -4,6 +4,7 @@
 #include "sheets/gridmodel.h"
 
 #include <QHeaderView>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMouseEvent>
@@ -11,6 +12,7 @@
 #include <QScrollBar>
 #include <QStyledItemDelegate>
 #include <QTableView>
+#include <QToolTip>
 #include <QVBoxLayout>
 #include <QWheelEvent>
 
@@ -70,6 +72,20 @@ void selectSection(std::vector<int>& selection, int& anchor, int section,
   selection.assign(1, section);
 }
 
+// Shows the whole text of a cell (or header section) that its width cuts off, as a tooltip.
+// True when the event was a tooltip request, handled either way.
+bool showClippedText(QEvent* event, QWidget* over, const QString& text, const QRect& cell,
+                     const QFont& font) {
+  if (event->type() != QEvent::ToolTip) return false;
+  const auto* help = static_cast<QHelpEvent*>(event);
+  constexpr int kPadding = 8;  // the cell's own margins
+  if (!text.isEmpty() && QFontMetrics(font).horizontalAdvance(text) + kPadding > cell.width())
+    QToolTip::showText(help->globalPos(), text, over, cell);
+  else
+    QToolTip::hideText();
+  return true;
+}
+
 }  // namespace
 
 // A header that reports clicks on its sections to the grid instead of selecting through the
@@ -80,6 +96,9 @@ class GridHeader : public QHeaderView {
   GridHeader(Qt::Orientation orientation, GridControl* grid, QWidget* parent)
       : QHeaderView(orientation, parent), m_grid(grid) {}
 
+  // Between a press on a column's edge and the release: widths set now are the user's own.
+  bool resizingByUser() const { return m_byUser; }
+
  protected:
   void mousePressEvent(QMouseEvent* event) override {
     const int section = sectionAt(event->position().toPoint());
@@ -88,7 +107,13 @@ class GridHeader : public QHeaderView {
       event->accept();
       return;
     }
+    m_byUser = event->button() == Qt::LeftButton;
     QHeaderView::mousePressEvent(event);
+  }
+
+  void mouseReleaseEvent(QMouseEvent* event) override {
+    QHeaderView::mouseReleaseEvent(event);
+    m_byUser = false;
   }
 
   void mouseDoubleClickEvent(QMouseEvent* event) override {
@@ -98,6 +123,8 @@ class GridHeader : public QHeaderView {
       event->accept();
       return;
     }
+    // On a column's edge: the table view fits the column to its contents.
+    m_byUser = event->button() == Qt::LeftButton;
     QHeaderView::mouseDoubleClickEvent(event);
   }
 
@@ -106,6 +133,27 @@ class GridHeader : public QHeaderView {
     const bool selected = orientation() == Qt::Horizontal ? m_grid->isColSelected(section)
                                                           : m_grid->isRowSelected(section);
     if (selected) painter->fillRect(rect, kSelectionShade);
+  }
+
+  bool viewportEvent(QEvent* event) override {
+    if (event->type() == QEvent::ToolTip && orientation() == Qt::Horizontal) {
+      const int section = logicalIndexAt(static_cast<QHelpEvent*>(event)->pos());
+      if (section >= 0) {
+        const QRect rect(sectionViewportPosition(section), 0, sectionSize(section), height());
+        // A caption wraps onto the lines the header's height allows; one that needs more
+        // lines than that is cut off.
+        const QFontMetrics metrics(font());
+        const QString text = m_grid->Text(-1, section);
+        const QRect needed = metrics.boundingRect(rect.adjusted(4, 0, -4, 0),
+                                                  Qt::AlignCenter | Qt::TextWordWrap, text);
+        if (needed.height() > rect.height() || needed.width() > rect.width() - 8)
+          QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), text, this, rect);
+        else
+          QToolTip::hideText();
+        return true;
+      }
+    }
+    return QHeaderView::viewportEvent(event);
   }
 
  private:
@@ -124,6 +172,7 @@ class GridHeader : public QHeaderView {
   }
 
   GridControl* m_grid;
+  bool m_byUser = false;
 };
 
 // Paints cells with the grid's lines and header-selection shading, and makes the in-cell
@@ -315,6 +364,18 @@ class GridView : public QTableView {
     m_grid->editorWasClosed(editor);
   }
 
+  bool viewportEvent(QEvent* event) override {
+    if (event->type() == QEvent::ToolTip) {
+      const QModelIndex index = indexAt(static_cast<QHelpEvent*>(event)->pos());
+      if (index.isValid()) {
+        const QVariant bold = index.data(Qt::FontRole);
+        return showClippedText(event, viewport(), index.data(Qt::DisplayRole).toString(),
+                               visualRect(index), bold.isValid() ? bold.value<QFont>() : font());
+      }
+    }
+    return QTableView::viewportEvent(event);
+  }
+
   void resizeEvent(QResizeEvent* event) override {
     QTableView::resizeEvent(event);
     if (!m_frozen) {
@@ -344,6 +405,9 @@ GridControl::GridControl(QWidget* parent) : QWidget(parent) {
   setFocusProxy(m_view);
   connect(m_view->horizontalHeader(), &QHeaderView::sectionResized, this,
           [this](int section, int, int size) {
+            // A width the user set by hand stays; it no longer follows the grid's width.
+            if (static_cast<GridHeader*>(m_view->horizontalHeader())->resizingByUser())
+              m_model->column(section).percent = 0;
             if (m_frozenView && m_frozenView->columnWidth(section) != size)
               m_frozenView->setColumnWidth(section, size);
             updateFrozenGeometry();

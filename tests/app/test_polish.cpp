@@ -2,14 +2,18 @@
 #include "app/twips.h"
 #include "db/filterexpression.h"
 #include "sheets/dlgsearchwindow.h"
+#include "sheets/gridcontrol.h"
 #include "tests/app/appfixture.h"
 #include "tests/qtestmain.h"
 
 #include <QCheckBox>
+#include <QHeaderView>
+#include <QHelpEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QStandardPaths>
+#include <QToolTip>
 
 using apptest::Desk;
 
@@ -101,6 +105,37 @@ class TestPolish : public QObject {
     QVERIFY(problem->isVisible());
     QCoreApplication::processEvents();
     QVERIFY(problem->width() >= problem->sizeHint().width());
+  }
+
+  // A clipped cell shows its whole text as a tooltip; a column fitted to its contents by a
+  // double-click on its edge keeps that width when the grid is resized.
+  void clippedCellsTellTheirTextAndFittedColumnsStay() {
+    sheets::GridControl grid;
+    grid.Cols(2);
+    grid.SetRowCount(1);
+    const QString total = QStringLiteral("10,974,363.25");
+    grid.Text(0, 0, total);
+    grid.ColWidthPercent(-1, 10);
+    grid.resize(400, 200);
+    grid.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&grid));
+    QWidget* cells = grid.cellArea();
+    QHelpEvent help(QEvent::ToolTip, grid.cellRect(0, 0).center(),
+                    cells->mapToGlobal(grid.cellRect(0, 0).center()));
+    QCoreApplication::sendEvent(cells, &help);
+    QCOMPARE(QToolTip::text(), total);
+
+    QHeaderView* header = grid.columnHeader();
+    const QPoint edge(header->sectionViewportPosition(0) + header->sectionSize(0) - 1,
+                      header->height() / 2);
+    QTest::mouseDClick(header->viewport(), Qt::LeftButton, {}, edge);
+    const int fitted = grid.ColWidth(0);
+    QVERIFY2(fitted > 40, qPrintable(QString::number(fitted)));
+    const int share = grid.ColWidth(1);
+    grid.resize(800, 200);
+    QCoreApplication::processEvents();
+    QCOMPARE(grid.ColWidth(0), fitted);
+    QVERIFY(grid.ColWidth(1) > share);  // the other column still takes its share
   }
 
   // Seven significant digits, as a single is written; stale totals go.
