@@ -693,7 +693,11 @@ std::unique_ptr<PrintForm> frmMain::tableForm(PrintSheet table) {
 
 void frmMain::editMenuEvent(std::int16_t command) {
   if (command != sheets::frmDataGrid::kCopy && refusedWhileRunning()) return;
-  if (sheets::frmDataGrid* sheet = activeDataSheet()) sheet->HandleMenuEvent(command);
+  if (sheets::frmDataGrid* sheet = activeDataSheet())
+    sheet->HandleMenuEvent(command);
+  else if (sheets::frmReport* report = activeReport();
+           report && command == sheets::frmDataGrid::kCopy)
+    report->copy();
 }
 
 std::optional<std::int16_t> frmMain::recordCount(const QString& title) {
@@ -1008,6 +1012,8 @@ bool frmMain::exportQuantitySheet(const QString& path) {
   QApplication::restoreOverrideCursor();
   switch (result.status) {
     case engine::QuantityExportResult::Status::Written:
+      setStatusPanel(
+          4, QStringLiteral("Quantity sheet written to ") + QDir::toNativeSeparators(target));
       return true;
     case engine::QuantityExportResult::Status::StoppedByInvalidLevels:
     case engine::QuantityExportResult::Status::Cancelled:

@@ -2,8 +2,8 @@
 
 #include "sheets/frmdatagrid.h"
 #include "sheets/gridcontrol.h"
+#include "sheets/sheetediting.h"
 
-#include <QCloseEvent>
 #include <QVBoxLayout>
 
 namespace sheets {
@@ -28,10 +28,7 @@ class GridReportAdapter : public engine::ReportGrid {
 }  // namespace
 
 frmReport::frmReport(const SheetContext& context, QWidget* parent)
-    : QWidget(parent),
-      m_context(context),
-      m_subWindowActivation(
-          this, [this] { activateReport(); }, [this] { deactivateReport(); }) {
+    : QWidget(parent), m_context(context), m_wheelHook(this, this, context.mouseWheel) {
   setObjectName(QStringLiteral("frmReport"));
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
@@ -40,34 +37,22 @@ frmReport::frmReport(const SheetContext& context, QWidget* parent)
   layout->addWidget(m_scg);
   m_reportGrid = std::make_unique<GridReportAdapter>(*m_scg);
 
-  connect(m_scg, &GridControl::doubleClicked, this, [this](int row, int col) {
-    if (col < 0 && row >= 0 && m_context.link) m_context.link->DoubleClickHandler(row);
-  });
+  // A block of cells is picked out with the mouse or Shift and the arrows, and Ctrl+C copies it
+  // as tab-separated lines, as a spreadsheet pastes it.
+  SheetEditing::Hooks hooks;
+  hooks.readOnly = true;
+  hooks.rowHeaderDoubleClicked = [this](int row) {
+    if (m_context.link) m_context.link->DoubleClickHandler(row);
+  };
+  m_editing = std::make_unique<SheetEditing>(*m_scg, std::move(hooks), this);
 }
 
-frmReport::~frmReport() {
-  if (m_context.mouseWheel) m_context.mouseWheel->UnhookMouseWheel(this);
-}
+frmReport::~frmReport() = default;
+
+void frmReport::copy() { m_editing->copy(); }
 
 void frmReport::MouseWheel(int /*keys*/, int rotation, int /*x*/, int /*y*/) {
   scrollGridByWheel(*m_scg, rotation);
-}
-
-void frmReport::activateReport() {
-  if (m_active) return;
-  m_active = true;
-  if (m_context.mouseWheel) m_context.mouseWheel->HookMouseWheel(this);
-}
-
-void frmReport::deactivateReport() {
-  if (!m_active) return;
-  m_active = false;
-  if (m_context.mouseWheel) m_context.mouseWheel->UnhookMouseWheel(this);
-}
-
-void frmReport::closeEvent(QCloseEvent* event) {
-  deactivateReport();
-  event->accept();
 }
 
 }  // namespace sheets

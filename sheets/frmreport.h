@@ -3,7 +3,6 @@
 #include "engine/reportgrid.h"
 #include "sheets/mousewheel.h"
 #include "sheets/sheetcontext.h"
-#include "sheets/subwindowactivation.h"
 
 #include <QString>
 #include <QWidget>
@@ -13,6 +12,7 @@
 namespace sheets {
 
 class GridControl;
+class SheetEditing;
 
 // A report window: one unbound grid whose cells the quantity engine writes as text. Nothing
 // in it is stored back. The layouts of modGridStyles create and fill it.
@@ -32,21 +32,16 @@ class frmReport : public QWidget, public WheelAware {
   // The grid as the engine writes into it.
   engine::ReportGrid& reportGrid() { return *m_reportGrid; }
 
-  // Called from the enclosing QMdiSubWindow's state changes; public so that a window outside
-  // an MDI area can be driven too.
-  void activateReport();
-  void deactivateReport();
-  bool isActiveReport() const { return m_active; }
-
- protected:
-  void closeEvent(QCloseEvent* event) override;
+  // Copies the cells picked out (the current cell when no block is) to the clipboard as
+  // tab-separated lines.
+  void copy();
 
  private:
   SheetContext m_context;
   GridControl* m_scg = nullptr;
   std::unique_ptr<engine::ReportGrid> m_reportGrid;
-  SubWindowActivation m_subWindowActivation;
-  bool m_active = false;
+  std::unique_ptr<SheetEditing> m_editing;
+  WheelHook m_wheelHook;
 };
 
 }  // namespace sheets

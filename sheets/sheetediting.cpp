@@ -237,6 +237,7 @@ void SheetEditing::notifyCellsChanged() {
 }
 
 void SheetEditing::undo() {
+  if (m_hooks.readOnly) return;
   UndoRecord* record = m_undo.valid ? &m_undo : (m_previousUndo.valid ? &m_previousUndo : nullptr);
   if (!record) return;
   record->valid = false;
@@ -251,6 +252,7 @@ void SheetEditing::undo() {
 // ---- Clipboard
 
 void SheetEditing::copyCutClear(ClipMode mode) {
+  if (m_hooks.readOnly && mode != ClipMode::Copy) return;
   const Ordered range = ordered();
   QString collected;
   {
@@ -281,6 +283,7 @@ void SheetEditing::copy() { copyCutClear(ClipMode::Copy); }
 void SheetEditing::cut() { copyCutClear(ClipMode::Cut); }
 
 void SheetEditing::paste() {
+  if (m_hooks.readOnly) return;
   const int row = m_grid.Row();
   const int col = m_grid.Col();
   if (row < 0 || col < 0) return;
@@ -352,6 +355,7 @@ void SheetEditing::transform() {
 }
 
 void SheetEditing::applyTransform(const TransformRequest& request) {
+  if (m_hooks.readOnly) return;
   if (!m_rangeSelected || request.operation == TransformRequest::Cancelled) return;
   const Ordered range = ordered();
   const double operand = request.value;  // widened from the single the user gave
@@ -412,6 +416,7 @@ void SheetEditing::setDirty() {
 }
 
 void SheetEditing::openEditor(bool caretMode) {
+  if (m_hooks.readOnly) return;
   const int row = m_grid.Row();
   const int col = m_grid.Col();
   m_grid.CellState(row, col, GridControl::kCellEditing);
@@ -431,6 +436,7 @@ QString SheetEditing::editorText() const {
 }
 
 void SheetEditing::onKeyPress(QChar character, bool& handled) {
+  if (m_hooks.readOnly) return;
   const int row = m_grid.Row();
   const int col = m_grid.Col();
   if (row < 0 || col < 0 || m_grid.IsEditing()) return;
@@ -453,6 +459,7 @@ void SheetEditing::onKeyPress(QChar character, bool& handled) {
 
 void SheetEditing::onDoubleClick(int row, int col) {
   if (row >= 0 && col >= 0) {
+    if (m_hooks.readOnly) return;
     m_grid.CellState(row, col, GridControl::kCellEditing);
     m_grid.BeginEdit();
   } else if (row >= 0 && col < 0 && m_hooks.rowHeaderDoubleClicked) {
@@ -490,6 +497,13 @@ void SheetEditing::onKeyDown(int key, Qt::KeyboardModifiers modifiers, bool& han
       m_grid.CellSelLength(0);
       handled = true;
     }
+    return;
+  }
+
+  // The table view would copy the current cell alone: the highlighted block goes instead.
+  if (ctrl && !editing && key == Qt::Key_C) {
+    copy();
+    handled = true;
     return;
   }
 
@@ -556,7 +570,7 @@ void SheetEditing::onKeyDown(int key, Qt::KeyboardModifiers modifiers, bool& han
       handled = true;
       return;
     case Qt::Key_Delete:
-      if (editing || !m_grid.ColEditable(col)) return;
+      if (editing || !m_grid.ColEditable(col) || m_hooks.readOnly) return;
       handled = true;
       if (m_rangeSelected) {
         copyCutClear(ClipMode::Clear);

@@ -34,6 +34,9 @@ class SheetEditing : public QObject {
     std::function<void(int row)> rowHeaderDoubleClicked;
     // Asks for the transform (dlgSelectTransform); unset shows the dialog over the grid.
     std::function<TransformRequest()> askTransform;
+    // Cells are picked out and copied, never changed (a report): no editor opens, and cut,
+    // paste, clear, undo and transform do nothing.
+    bool readOnly = false;
   };
 
   // The highlighted rectangle as clicked: first and last may be in either order.

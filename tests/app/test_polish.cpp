@@ -2,11 +2,14 @@
 #include "app/twips.h"
 #include "db/filterexpression.h"
 #include "sheets/dlgsearchwindow.h"
+#include "sheets/frmreport.h"
 #include "sheets/gridcontrol.h"
 #include "tests/app/appfixture.h"
 #include "tests/qtestmain.h"
 
 #include <QCheckBox>
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QHeaderView>
 #include <QHelpEvent>
 #include <QLabel>
@@ -136,6 +139,29 @@ class TestPolish : public QObject {
     QCoreApplication::processEvents();
     QCOMPARE(grid.ColWidth(0), fitted);
     QVERIFY(grid.ColWidth(1) > share);  // the other column still takes its share
+  }
+
+  // A block of a report is copied as tab-separated lines; typing changes nothing in it.
+  void reportBlocksCopyAsTabSeparatedLines() {
+    Desk desk(true);
+    desk.choose(1, 1);
+    desk.window->outputViewQuantity();
+    sheets::frmReport* report = desk.window->activeReport();
+    QVERIFY(report);
+    sheets::GridControl& grid = report->scg();
+    const QString before = grid.Text(1, 1);
+    QTest::mouseDClick(grid.cellArea(), Qt::LeftButton, {}, grid.cellRect(1, 1).center());
+    QTest::keyClicks(grid.cellArea(), "9");
+    QCOMPARE(grid.Text(1, 1), before);
+    QVERIFY(!grid.IsEditing());
+    QTest::mouseClick(grid.cellArea(), Qt::LeftButton, {}, grid.cellRect(1, 0).center());
+    QWidget* view = grid.cellArea()->parentWidget();
+    QTest::keyClick(view, Qt::Key_Down, Qt::ShiftModifier);
+    QTest::keyClick(view, Qt::Key_Right, Qt::ShiftModifier);
+    QTest::keyClick(view, Qt::Key_C, Qt::ControlModifier);
+    const QString expected = grid.Text(1, 0) + "\t" + grid.Text(1, 1) + "\r\n" + grid.Text(2, 0) +
+                             "\t" + grid.Text(2, 1);
+    QCOMPARE(QGuiApplication::clipboard()->text(), expected);
   }
 
   // Seven significant digits, as a single is written; stale totals go.
