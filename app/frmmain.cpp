@@ -834,6 +834,10 @@ void frmMain::viewFilterWindow() {
     if (QAction* item = action(QStringLiteral("mnuViewDetail"))) item->setChecked(false);
   });
   m_filterWindow = window;
+  // In the top right corner of the work area, clear of the menus and tool bars.
+  window->adjustSize();
+  const QRect area(m_mdiArea->mapToGlobal(QPoint(0, 0)), m_mdiArea->size());
+  window->move(std::max(area.left(), area.right() - window->width() - 16), area.top() + 16);
   window->show();
   detail->setChecked(true);
 }
@@ -1039,7 +1043,14 @@ void frmMain::saveSettings() {
 
 void frmMain::helpContents() {
   const bool created = !m_helpWindow;
-  if (created) m_helpWindow = new HelpWindow(this);
+  if (created) {
+    m_helpWindow = new HelpWindow(this);
+    // Over the work area, clear of the menus and tool bars.
+    const QRect area(m_mdiArea->mapToGlobal(QPoint(0, 0)), m_mdiArea->size());
+    m_helpWindow->resize(
+        QSize(area.width() * 2 / 3, area.height() * 3 / 4).expandedTo(QSize(480, 360)));
+    m_helpWindow->move(area.topLeft() + QPoint(32, 32));
+  }
   QString error;
   if (!m_helpWindow->openContents(m_manualFolder, error)) {
     if (created) delete m_helpWindow;

@@ -1,5 +1,7 @@
 #include "sheets/dlgsearchwindow.h"
 
+#include "sheets/captiondrag.h"
+
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QGridLayout>
@@ -7,6 +9,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 namespace sheets {
@@ -18,10 +21,20 @@ const QString kLike = QStringLiteral("LIKE");
 }  // namespace
 
 dlgSearchWindow::dlgSearchWindow(QWidget* parent)
-    : QWidget(parent, Qt::Tool | Qt::WindowStaysOnTopHint) {
+    : QWidget(parent, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint) {
   setObjectName(QStringLiteral("dlgSearchWindow"));
   setWindowTitle(QStringLiteral("  Filter / Search"));
   setAttribute(Qt::WA_DeleteOnClose, false);
+
+  // Borderless: its own caption bar drags it, and a close button ends it.
+  QFrame* box = addBoxFrame(this);
+  m_wnTitle = newCaptionBar(windowTitle(), CaptionColours::Highlight, box);
+  auto* close = new QToolButton(box);
+  close->setObjectName(QStringLiteral("cmdCloseFilter"));
+  close->setText(QStringLiteral("X"));
+  close->setToolTip(QStringLiteral("Close the filter window"));
+  close->setAutoRaise(true);
+  connect(close, &QToolButton::clicked, this, &QWidget::close);
 
   auto* fieldLabel = new QLabel(QStringLiteral("Field"), this);
   auto* conditionLabel = new QLabel(QStringLiteral("Condition"), this);
@@ -79,10 +92,20 @@ dlgSearchWindow::dlgSearchWindow(QWidget* parent)
   buttons->addWidget(m_cmdExecute);
   buttons->addStretch();
   buttons->addWidget(m_cmdClear);
-  auto* layout = new QVBoxLayout(this);
-  layout->addLayout(terms);
-  layout->addLayout(buttons);
-  layout->addWidget(m_lblSearchText);
+  auto* caption = new QHBoxLayout;
+  caption->setSpacing(0);
+  caption->addWidget(m_wnTitle, 1);
+  caption->addWidget(close);
+  auto* content = new QVBoxLayout;
+  content->setContentsMargins(6, 4, 6, 6);
+  content->addLayout(terms);
+  content->addLayout(buttons);
+  content->addWidget(m_lblSearchText);
+  auto* layout = new QVBoxLayout(box);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->setSpacing(0);
+  layout->addLayout(caption);
+  layout->addLayout(content);
 
   connect(m_cmbField, &QComboBox::editTextChanged, this, &dlgSearchWindow::updateEnabling);
   connect(m_cmbField, &QComboBox::currentIndexChanged, this, &dlgSearchWindow::updateEnabling);

@@ -53,6 +53,7 @@ class dlgSearchWindow : public QWidget {
   QPushButton* m_cmdOR = nullptr;
   QPushButton* m_cmdExecute = nullptr;
   QPushButton* m_cmdClear = nullptr;
+  QLabel* m_wnTitle = nullptr;
   QLabel* m_lblSearchText = nullptr;
   FilterFunction m_filterData;
   std::function<void()> m_closed;

@@ -14,6 +14,7 @@
 #include <QHelpEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMdiArea>
 #include <QPushButton>
 #include <QStandardPaths>
 #include <QToolTip>
@@ -162,6 +163,24 @@ class TestPolish : public QObject {
     const QString expected = grid.Text(1, 0) + "\t" + grid.Text(1, 1) + "\r\n" + grid.Text(2, 0) +
                              "\t" + grid.Text(2, 1);
     QCOMPARE(QGuiApplication::clipboard()->text(), expected);
+  }
+
+  // The filter and help windows open over the work area, not over the menus; the filter window
+  // has its caption bar to drag it by.
+  void filterAndHelpOpenInsideTheWorkArea() {
+    Desk desk(true);
+    desk.choose(1, 1);
+    desk.window->dataInitial();
+    desk.window->viewFilterWindow();
+    desk.window->setManualFolder(QStringLiteral(DELVANE_MANUAL_DIR));
+    desk.window->helpContents();
+    QMdiArea* mdi = desk.window->mdiArea();
+    const QRect area(mdi->mapToGlobal(QPoint(0, 0)), mdi->size());
+    auto* filter = desk.window->findChild<sheets::dlgSearchWindow*>();
+    QVERIFY(filter && filter->findChild<QLabel*>("wnTitle"));
+    for (QWidget* window :
+         {static_cast<QWidget*>(filter), static_cast<QWidget*>(desk.window->helpWindow())})
+      QVERIFY2(area.contains(window->geometry().topLeft()), qPrintable(window->objectName()));
   }
 
   // Seven significant digits, as a single is written; stale totals go.
