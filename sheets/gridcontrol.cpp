@@ -1,6 +1,7 @@
 #include "sheets/gridcontrol.h"
 
 #include "db/resultset.h"
+#include "drawing/paintersurface.h"
 #include "sheets/gridmodel.h"
 
 #include <QHeaderView>
@@ -26,11 +27,6 @@ constexpr int kRowHeaderWidth = 16;
 constexpr int kMinColumnWidth = 4;
 // Header-selected rows and columns are shaded with this over their own colours.
 const QColor kSelectionShade(0, 0, 128, 60);
-
-QColor toQColor(GridColor color) {
-  return QColor(static_cast<int>(color & 0xff), static_cast<int>((color >> 8) & 0xff),
-                static_cast<int>((color >> 16) & 0xff));
-}
 
 Qt::PenStyle penStyle(int lineStyle) {
   switch (lineStyle) {
@@ -191,12 +187,12 @@ class GridDelegate : public QStyledItemDelegate {
       painter->fillRect(r, kSelectionShade);
     const GridModel::Column& column = m_grid->m_model->column(col);
     if (column.lineStyle != GridControl::kLineNone) {
-      painter->setPen(QPen(toQColor(column.lineColor), 0, penStyle(column.lineStyle)));
+      painter->setPen(QPen(drawing::colourOf(column.lineColor), 0, penStyle(column.lineStyle)));
       painter->drawLine(r.topRight(), r.bottomRight());
     }
     const GridModel::RowLine line = m_grid->m_model->rowLine(row);
     if (line.style != GridControl::kLineNone) {
-      painter->setPen(QPen(toQColor(line.color), 0, penStyle(line.style)));
+      painter->setPen(QPen(drawing::colourOf(line.color), 0, penStyle(line.style)));
       painter->drawLine(r.bottomLeft(), r.bottomRight());
     }
   }

@@ -1,6 +1,7 @@
 #include "sheets/gridmodel.h"
 
 #include "db/resultset.h"
+#include "drawing/paintersurface.h"
 
 #include <QColor>
 #include <QFont>
@@ -11,11 +12,6 @@
 namespace sheets {
 
 namespace {
-
-QColor toQColor(GridColor color) {
-  return QColor(static_cast<int>(color & 0xff), static_cast<int>((color >> 8) & 0xff),
-                static_cast<int>((color >> 16) & 0xff));
-}
 
 Qt::Alignment alignmentOf(int align) {
   switch (align) {
@@ -58,15 +54,15 @@ QVariant GridModel::cellData(int row, int col, int role) const {
     case Qt::BackgroundRole: {
       const CellFormat* f = format(row, col);
       if (!f) return {};
-      if (f->style != GridControl::kStylePlain) return toQColor(f->styleColor);
-      if (f->hasBack) return toQColor(f->back);
+      if (f->style != GridControl::kStylePlain) return drawing::colourOf(f->styleColor);
+      if (f->hasBack) return drawing::colourOf(f->back);
       return {};
     }
     case Qt::ForegroundRole: {
       const CellFormat* f = format(row, col);
-      if (f && f->hasFore) return toQColor(f->fore);
+      if (f && f->hasFore) return drawing::colourOf(f->fore);
       const GridColor fore = rowFore(row);
-      return fore == kBlack ? QVariant() : QVariant(toQColor(fore));
+      return fore == kBlack ? QVariant() : QVariant(drawing::colourOf(fore));
     }
     case Qt::FontRole: {
       const CellFormat* f = format(row, col);
