@@ -2,6 +2,7 @@
 
 #include "app/twips.h"
 #include "db/connection.h"
+#include "db/levelpoints.h"
 #include "db/numbers.h"
 #include "drawing/longsectionsheet.h"
 #include "drawing/paintersurface.h"
@@ -611,54 +612,26 @@ void frmPlotLXSection::pickNearestGroundPoint(double offset) {
   if (!chainage) return;
   db::Connection& c = m_context.currentEngine()->connection();
   const std::int32_t section = m_context.currentEngine()->sectionId();
-  const QString tail = QStringLiteral(" AND Chainage BETWEEN ?2 AND ?3 AND SectionID=?4");
-  const auto neighbour = [&](const QString& sql) -> std::optional<float> {
-    db::Statement st = c.prepare(sql + tail, QStringLiteral("Finding the nearest ground point"));
-    st.bindDouble(1, offset).bindMeasureRange(2, *chainage).bindKey(4, section);
-    if (!st.step() || st.isNull(0)) return std::nullopt;
-    return st.optionalMeasure(0);
-  };
-  const std::optional<float> below =
-      neighbour(QStringLiteral("SELECT Max(Offset) FROM Initial WHERE Offset <= ?1"));
-  const std::optional<float> above =
-      neighbour(QStringLiteral("SELECT Min(Offset) FROM Initial WHERE Offset > ?1"));
-  if (!below && !above) return;
-  // Equally near: the point on the left.
-  const float picked = !above   ? *below
-                       : !below ? *above
-                                : (offset - *below <= *above - offset ? *below : *above);
-  db::Statement level = c.prepare(
-      QStringLiteral("SELECT [Level] FROM Initial WHERE Offset BETWEEN ?1 AND ?2 AND Chainage "
-                     "BETWEEN ?3 AND ?4 AND SectionID=?5"),
-      QStringLiteral("Reading the level of the ground point"));
-  level.bindMeasureRange(1, picked).bindMeasureRange(3, *chainage).bindKey(5, section);
-  if (!level.step()) return;
+  const std::optional<float> picked =
+      db::groundOffsetsAround(c, section, *chainage, offset).nearestTo(offset);
+  if (!picked) return;
+  const std::optional<float> level = db::groundLevelAt(c, section, *chainage, *picked);
+  if (!level) return;
   m_selectedInterpolated = false;
-  select(QPointF(picked, level.measure(0)));
+  select(QPointF(*picked, *level));
 }
 
 void frmPlotLXSection::pickNearestChainage(double chainage) {
   engine::EngineSession& session = *m_context.currentEngine();
-  const auto neighbour = [&](const QString& sql) -> std::optional<float> {
-    db::Statement st = session.connection().prepare(sql + QStringLiteral(" AND SectionID=?2"),
-                                                    QStringLiteral("Finding the nearest chainage"));
-    st.bindDouble(1, chainage).bindKey(2, session.sectionId());
-    if (!st.step() || st.isNull(0)) return std::nullopt;
-    return st.optionalMeasure(0);
-  };
-  const std::optional<float> below =
-      neighbour(QStringLiteral("SELECT Max(Chainage) FROM DesignQty WHERE Chainage <= ?1"));
-  const std::optional<float> above =
-      neighbour(QStringLiteral("SELECT Min(Chainage) FROM DesignQty WHERE Chainage > ?1"));
-  if (!below && !above) return;
-  const float picked = !above   ? *below
-                       : !below ? *above
-                                : (chainage - *below <= *above - chainage ? *below : *above);
+  const std::optional<float> picked =
+      db::quantityChainagesAround(session.connection(), session.sectionId(), chainage)
+          .nearestTo(chainage);
+  if (!picked) return;
   session.levels().Reload = true;
   bool interpolated = false;
-  const float level = engine::DesignLevelAt(session, picked, interpolated, true);
+  const float level = engine::DesignLevelAt(session, *picked, interpolated, true);
   m_selectedInterpolated = interpolated;
-  select(QPointF(picked, level));
+  select(QPointF(*picked, level));
 }
 
 void frmPlotLXSection::setEditing(bool editing) {
@@ -809,35 +782,14 @@ void frmPlotLXSection::writeCrossSectionEdit(EditMode mode, float offset, float 
   db::Connection& c = session.connection();
   const std::int32_t section = session.sectionId();
   const QPointF old = m_selected.value_or(QPointF());
-  if (mode == kChange) {
-    db::Statement st = c.prepare(
-        QStringLiteral("UPDATE Initial SET Offset=?1, [Level]=?2 WHERE SectionID=?3 AND Chainage "
-                       "BETWEEN ?4 AND ?5 AND Offset BETWEEN ?6 AND ?7 AND [Level] BETWEEN ?8 AND "
-                       "?9"),
-        QStringLiteral("Changing the ground point"));
-    st.bindMeasure(1, offset).bindMeasure(2, level).bindKey(3, section);
-    st.bindMeasureRange(4, *chainage)
-        .bindMeasureRange(6, static_cast<float>(old.x()))
-        .bindMeasureRange(8, static_cast<float>(old.y()));
-    st.run();
-  } else if (mode == kAdd) {
-    db::Statement st = c.prepare(
-        QStringLiteral(
-            "INSERT INTO Initial ([SectionID], Chainage, Offset, [Level]) VALUES (?1, ?2, ?3, ?4)"),
-        QStringLiteral("Adding the ground point"));
-    st.bindKey(1, section).bindMeasure(2, *chainage).bindMeasure(3, offset).bindMeasure(4, level);
-    st.run();
-  } else if (mode == kDelete) {
-    db::Statement st = c.prepare(
-        QStringLiteral("DELETE FROM Initial WHERE SectionID=?1 AND Chainage BETWEEN ?2 AND ?3 AND "
-                       "Offset BETWEEN ?4 AND ?5 AND [Level] BETWEEN ?6 AND ?7"),
-        QStringLiteral("Deleting the ground point"));
-    st.bindKey(1, section)
-        .bindMeasureRange(2, *chainage)
-        .bindMeasureRange(4, offset)
-        .bindMeasureRange(6, level);
-    st.run();
-  }
+  const db::LevelPoint was{static_cast<float>(old.x()), static_cast<float>(old.y())};
+  const db::LevelPoint point{offset, level};
+  if (mode == kChange)
+    db::changeGroundPoint(c, section, *chainage, was, point);
+  else if (mode == kAdd)
+    db::addGroundPoint(c, section, *chainage, point);
+  else if (mode == kDelete)
+    db::deleteGroundPoint(c, section, *chainage, point);
   session.levelDataChanged();
   if (m_context.link) m_context.link->tableWritten(QStringLiteral("Initial"));
 
@@ -865,30 +817,14 @@ void frmPlotLXSection::writeLongSectionEdit(EditMode mode, float chainage, float
   db::Connection& c = session.connection();
   const std::int32_t section = session.sectionId();
   const QPointF old = m_selected.value_or(QPointF());
-  if (mode == kDelete) {
-    db::Statement st = c.prepare(
-        QStringLiteral("DELETE FROM DesignLevels WHERE SectionID=?1 AND Chainage BETWEEN ?2 AND "
-                       "?3 AND [Level] BETWEEN ?4 AND ?5"),
-        QStringLiteral("Deleting the design level"));
-    st.bindKey(1, section).bindMeasureRange(2, chainage).bindMeasureRange(4, level);
-    st.run();
-  } else if (mode == kAdd) {
-    db::Statement st = c.prepare(
-        QStringLiteral(
-            "INSERT INTO DesignLevels ([SectionID], Chainage, [Level]) VALUES (?1, ?2, ?3)"),
-        QStringLiteral("Adding the design level"));
-    st.bindKey(1, section).bindMeasure(2, chainage).bindMeasure(3, level);
-    st.run();
-  } else if (mode == kChange) {
-    db::Statement st = c.prepare(
-        QStringLiteral("UPDATE DesignLevels SET Chainage=?1, [Level]=?2 WHERE SectionID=?3 AND "
-                       "Chainage BETWEEN ?4 AND ?5 AND [Level] BETWEEN ?6 AND ?7"),
-        QStringLiteral("Changing the design level"));
-    st.bindMeasure(1, chainage).bindMeasure(2, level).bindKey(3, section);
-    st.bindMeasureRange(4, static_cast<float>(old.x()))
-        .bindMeasureRange(6, static_cast<float>(old.y()));
-    st.run();
-  }
+  const db::LevelPoint point{chainage, level};
+  if (mode == kDelete)
+    db::deleteDesignLevel(c, section, point);
+  else if (mode == kAdd)
+    db::addDesignLevel(c, section, point);
+  else if (mode == kChange)
+    db::changeDesignLevel(c, section, {static_cast<float>(old.x()), static_cast<float>(old.y())},
+                          point);
   session.levelDataChanged();
   if (m_context.link) m_context.link->tableWritten(QStringLiteral("DesignLevels"));
   engine::ResetDesignCache(session);

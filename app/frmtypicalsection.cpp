@@ -4,6 +4,7 @@
 #include "db/connection.h"
 #include "db/project.h"
 #include "drawing/pageoutput.h"
+#include "drawing/sheettitle.h"
 #include "engine/reporter.h"
 #include "engine/session.h"
 #include "engine/typicalsection.h"
@@ -55,23 +56,6 @@ const QString kFlatBar = QStringLiteral(
 int barMaximum(double twips) {
   return static_cast<int>(std::clamp(
       std::round(twips), 0.0, static_cast<double>(std::numeric_limits<std::int16_t>::max())));
-}
-
-// The names the drawing's title line gives: the project file, the section and its package.
-drawing::SheetTitle titleOf(db::Connection& connection, std::int32_t section) {
-  drawing::SheetTitle title;
-  title.projectFile = QFileInfo(connection.path()).fileName();
-  title.sectionId = section;
-  db::Statement st = connection.prepare(
-      QStringLiteral("SELECT s.Description, p.Name FROM Sections s LEFT JOIN Package p ON p.ID "
-                     "= s.PackageID WHERE s.ID=?"),
-      QStringLiteral("Reading the names of section %1").arg(section));
-  st.bindKey(1, section);
-  if (st.step()) {
-    title.sectionDescription = st.text(0);
-    title.packageName = st.text(1);
-  }
-  return title;
 }
 
 }  // namespace
@@ -222,7 +206,7 @@ bool frmTypicalSection::drawFromDesign(db::Connection& connection) {
       qCInfo(lcTypicalSection) << "no typical section to draw:" << quiet.errors;
       return false;
     }
-    drawing::SheetTitle title = titleOf(connection, section);
+    drawing::SheetTitle title = drawing::sheetTitleOf(connection, connection.path(), section);
     if (const engine::EngineSession* shared = m_context.currentEngine())
       title.symbols = shared->numberSymbols();
     m_drawing = std::make_unique<drawing::TypicalSectionSheet>(std::move(*typical), title);

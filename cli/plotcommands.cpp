@@ -346,7 +346,7 @@ int plot(Context& context) {
   return project.guarded(context, [&]() -> int {
     if (int failed = project.useSection(context, request->section); failed >= 0) return failed;
     const drawing::SheetTitle title =
-        sheetTitleOf(*project.connection, request->file, request->section);
+        drawing::sheetTitleOf(*project.connection, request->file, request->section);
     if (request->typical)
       return plotTypicalSection(context, *request, *project.engine, *project.reporter, title);
     return request->longSection

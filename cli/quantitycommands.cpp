@@ -168,7 +168,7 @@ int printSummary(Context& context, Session& s, std::int32_t section,
   };
   rows.bold = [&grid](int row) { return grid.bold(row, 0); };
   drawing::TableSheetOptions options;
-  options.title = sheetTitleOf(*s.connection, s.connection->path(), section);
+  options.title = drawing::sheetTitleOf(*s.connection, s.connection->path(), section);
   options.name = QStringLiteral("Quantity Summary");
   options.date = QDate::currentDate().toString(Qt::ISODate);
   const drawing::TableSheet sheet(columns, rows, options);

@@ -1,7 +1,5 @@
 #include "cli/session.h"
 
-#include <QFileInfo>
-
 #include <cmath>
 
 namespace cli {
@@ -60,23 +58,6 @@ std::optional<float> chainageOption(Context& context, float fallback, int& code)
     return std::nullopt;
   }
   return chainage;
-}
-
-drawing::SheetTitle sheetTitleOf(db::Connection& connection, const QString& file,
-                                 std::int32_t section) {
-  drawing::SheetTitle title;
-  title.projectFile = QFileInfo(file).fileName();
-  title.sectionId = section;
-  db::Statement st = connection.prepare(
-      QStringLiteral("SELECT s.Description, p.Name FROM Sections s LEFT JOIN Package p ON p.ID "
-                     "= s.PackageID WHERE s.ID=?"),
-      QStringLiteral("Reading the names of section %1").arg(section));
-  st.bindKey(1, section);
-  if (st.step()) {
-    title.sectionDescription = st.text(0);
-    title.packageName = st.text(1);
-  }
-  return title;
 }
 
 }  // namespace cli

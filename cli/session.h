@@ -3,7 +3,6 @@
 #include "cli/command.h"
 #include "db/connection.h"
 #include "db/schema.h"
-#include "drawing/sheettitle.h"
 #include "engine/session.h"
 
 #include <QCommandLineParser>
@@ -33,11 +32,6 @@ std::optional<std::int32_t> sectionOption(Context& context, int& code);
 // The chainage of --chainage in kilometres, or fallback when it is not given; nullopt (after the
 // usage message) on bad text.
 std::optional<float> chainageOption(Context& context, float fallback, int& code);
-
-// The title line's names of a sheet written from file: the file, the section's package and
-// description.
-drawing::SheetTitle sheetTitleOf(db::Connection& connection, const QString& file,
-                                 std::int32_t section);
 
 // An open project with an engine session that reports to a console reporter of type Reporter.
 template <typename Reporter = ConsoleReporter>

@@ -342,4 +342,14 @@ bool isSameFile(const QString& a, const QString& b) {
                                      QFile::encodeName(second.filePath()).toStdString(), error);
 }
 
+SectionNames sectionNames(Connection& connection, std::int32_t section) {
+  Statement st = connection.prepare(
+      QStringLiteral("SELECT s.Description, p.Name FROM Sections s LEFT JOIN Package p ON p.ID "
+                     "= s.PackageID WHERE s.ID=?"),
+      QStringLiteral("Reading the names of section %1").arg(section));
+  st.bindKey(1, section);
+  if (!st.step()) return {};
+  return {st.text(0), st.text(1)};
+}
+
 }  // namespace db

@@ -35,4 +35,11 @@ bool isSameFile(const QString& a, const QString& b);
 // The file name of the demo project in the data folder.
 QString demoProjectFileName();
 
+// What a section is called: its description and its package's name; empty when missing.
+struct SectionNames {
+  QString description;
+  QString packageName;
+};
+SectionNames sectionNames(Connection& connection, std::int32_t section);
+
 }  // namespace db

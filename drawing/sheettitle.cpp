@@ -1,10 +1,25 @@
 #include "drawing/sheettitle.h"
 
+#include "db/project.h"
+
+#include <QFileInfo>
+
 #include <QStringList>
 
 #include <cmath>
 
 namespace drawing {
+
+SheetTitle sheetTitleOf(db::Connection& connection, const QString& projectFile,
+                        std::int32_t section) {
+  SheetTitle title;
+  title.projectFile = QFileInfo(projectFile).fileName();
+  title.sectionId = section;
+  const db::SectionNames names = db::sectionNames(connection, section);
+  title.sectionDescription = names.description;
+  title.packageName = names.packageName;
+  return title;
+}
 
 QString titleLead(const SheetTitle& title) {
   QStringList parts;

@@ -6,6 +6,10 @@
 
 #include <cstdint>
 
+namespace db {
+class Connection;
+}
+
 namespace drawing {
 
 // What a sheet's title line names, and how its numbers are written.
@@ -16,6 +20,11 @@ struct SheetTitle {
   std::int32_t sectionId = 0;
   engine::NumberSymbols symbols;
 };
+
+// The title of a sheet of section drawn from the project in projectFile: the file's name, the
+// section's description and its package's name as stored.
+SheetTitle sheetTitleOf(db::Connection& connection, const QString& projectFile,
+                        std::int32_t section);
 
 // The common part of every title line: "FILE - PACKAGE - SECTION".
 QString titleLead(const SheetTitle& title);
