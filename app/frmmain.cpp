@@ -14,6 +14,7 @@
 #include "app/toolicons.h"
 #include "app/twips.h"
 #include "db/connection.h"
+#include "db/project.h"
 #include "db/schema.h"
 #include "engine/initialorder.h"
 #include "engine/numbertext.h"
@@ -99,21 +100,13 @@ const char* const kShownKey = "shownKey";
 
 std::int32_t shownKey(const QMdiSubWindow* child) { return child->property(kShownKey).toInt(); }
 
-bool keyExists(db::Connection& connection, const QString& table, std::int32_t key) {
-  db::Statement query =
-      connection.prepare(QStringLiteral("SELECT ID FROM %1 WHERE ID=?").arg(table),
-                         QStringLiteral("Finding the row with ID %1 of %2").arg(key).arg(table));
-  query.bindKey(1, key);
-  return query.step();
-}
-
 // Whether the package or section a child shows is still in the project.
 bool shownRowsExist(db::Connection& connection, const QMdiSubWindow* child) {
   switch (scopeOf(child)) {
     case ChildScope::Package:
-      return keyExists(connection, QStringLiteral("Package"), shownKey(child));
+      return db::keyExists(connection, QStringLiteral("Package"), shownKey(child));
     case ChildScope::Section:
-      return keyExists(connection, QStringLiteral("Sections"), shownKey(child));
+      return db::keyExists(connection, QStringLiteral("Sections"), shownKey(child));
     case ChildScope::Project:
       break;
   }
@@ -1101,11 +1094,7 @@ void frmMain::DoubleClickHandler(int row) {
         return;
       m_state.lngPackageID = chosen;
       packageSheet->close();
-      db::Statement query = m_state.cnProject->prepare(
-          QStringLiteral("SELECT [Name], Phase, District FROM Package WHERE ID=") +
-              QString::number(m_state.lngPackageID),
-          QStringLiteral("Reading the chosen package"));
-      m_state.strPackageName = query.step() ? query.text(0) : QString();
+      m_state.strPackageName = db::packageName(*m_state.cnProject, m_state.lngPackageID);
       setWindowTitle(kTitle + QStringLiteral(" - ") + m_state.strPackageName);
       EnableMenus();
       dataSections();
@@ -1122,11 +1111,8 @@ void frmMain::DoubleClickHandler(int row) {
         return;
       m_state.lngSectionID = chosen;
       sectionsSheet->close();
-      db::Statement query = m_state.cnProject->prepare(
-          QStringLiteral("SELECT [Description], [Title], [DesignID] FROM Sections WHERE ID=") +
-              QString::number(m_state.lngSectionID),
-          QStringLiteral("Reading the chosen section"));
-      m_state.strSectionDescription = query.step() ? query.text(0) : QString();
+      m_state.strSectionDescription =
+          db::sectionNames(*m_state.cnProject, m_state.lngSectionID).description;
       setWindowTitle(kTitle + QStringLiteral(" - ") + m_state.strPackageName +
                      QStringLiteral(" - ") + m_state.strSectionDescription);
       if (m_state.engine) m_state.engine->setSection(m_state.lngSectionID);
@@ -1238,10 +1224,12 @@ bool frmMain::closeChildren(const std::function<bool(QMdiSubWindow*)>& which, bo
 
 void frmMain::forgetDeletedSelection() {
   db::Connection& connection = *m_state.cnProject;
-  const bool packageGone = m_state.lngPackageID != 0 &&
-                           !keyExists(connection, QStringLiteral("Package"), m_state.lngPackageID);
-  const bool sectionGone = m_state.lngSectionID != 0 &&
-                           !keyExists(connection, QStringLiteral("Sections"), m_state.lngSectionID);
+  const bool packageGone =
+      m_state.lngPackageID != 0 &&
+      !db::keyExists(connection, QStringLiteral("Package"), m_state.lngPackageID);
+  const bool sectionGone =
+      m_state.lngSectionID != 0 &&
+      !db::keyExists(connection, QStringLiteral("Sections"), m_state.lngSectionID);
   closeChildren([&connection](QMdiSubWindow* child) { return !shownRowsExist(connection, child); },
                 false);
   if (!packageGone && !sectionGone) return;

@@ -145,14 +145,12 @@ void frmTypicalSection::load() {
     return;
   }
   try {
-    db::Statement name =
-        connection->prepare(QStringLiteral("SELECT [Name] FROM DesignList WHERE ID=1"),
-                            QStringLiteral("Reading the name of the design's picture"));
-    if (!name.step()) {
+    const std::optional<QString> name = db::designName(*connection);
+    if (!name) {
       showError(kNoImageName);
       return;
     }
-    m_designName = name.text(0);
+    m_designName = *name;
   } catch (const db::Error& error) {
     showError(error.message());
     return;

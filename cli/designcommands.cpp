@@ -3,6 +3,7 @@
 #include "cli/session.h"
 #include "db/connection.h"
 #include "db/numbers.h"
+#include "db/project.h"
 #include "engine/designlevels.h"
 #include "engine/designsection.h"
 #include "engine/initialorder.h"
@@ -170,13 +171,8 @@ int syncChainages(Context& context) {
   if (int code = start(context, run, false, false, db::ProjectAccess::Edit); code >= 0) return code;
   return run.guarded(context, [&] {
     engine::SyncQuantityChainages(*run.engine);
-    db::Statement rows =
-        run.connection->prepare(QStringLiteral("SELECT count(*) FROM DesignQty WHERE SectionID=?"),
-                                QStringLiteral("Counting the quantity chainages"));
-    rows.bindKey(1, run.sectionId);
-    rows.step();
-    context.out << "DesignQty of section " << run.sectionId << " holds " << rows.int64(0)
-                << " chainages.\n";
+    context.out << "DesignQty of section " << run.sectionId << " holds "
+                << db::quantityChainageCount(*run.connection, run.sectionId) << " chainages.\n";
     return finish(run, false);
   });
 }

@@ -39,14 +39,9 @@ int listSections(Context& context) {
   auto connection = openProjectOrReport(context, *file, db::ProjectAccess::Read);
   if (!connection) return kCannotOpen;
   try {
-    db::Statement st = connection->prepare(
-        QStringLiteral("SELECT p.ID, p.Name, s.ID, s.Description FROM Sections s JOIN Package p "
-                       "ON p.ID = s.PackageID ORDER BY p.District, p.Name, p.ID, s.Description, "
-                       "s.ID"),
-        QStringLiteral("Listing the sections"));
-    while (st.step())
-      context.out << st.text(0) << '\t' << st.text(1) << '\t' << st.text(2) << '\t' << st.text(3)
-                  << '\n';
+    for (const db::SectionEntry& e : db::listSections(*connection))
+      context.out << e.packageId << '\t' << e.packageName << '\t' << e.sectionId << '\t'
+                  << e.description << '\n';
   } catch (const db::Error& e) {
     context.err << *file << ": " << e.message() << "\n";
     return kCannotOpen;

@@ -235,26 +235,15 @@ int oneSection(Context& context, Session& s, std::int32_t section, float chainag
 }
 
 int allSections(Context& context, Session& s) {
-  struct SectionRow {
-    std::int32_t id;
-    QString description;
-  };
-  std::vector<SectionRow> sections;
-  {
-    db::Statement st = s.connection->prepare(
-        QStringLiteral("SELECT s.ID, s.Description FROM Sections s JOIN Package p ON p.ID = "
-                       "s.PackageID ORDER BY p.District, p.Name, p.ID, s.Description, s.ID"),
-        QStringLiteral("Listing the sections"));
-    while (st.step()) sections.push_back({st.key(0), st.text(1)});
-  }
+  const std::vector<db::SectionEntry> sections = db::listSections(*s.connection);
   engine::EngineSession& session = *s.engine;
   const engine::NumberSymbols symbols;
   double totalCut = 0.0;
   double totalFill = 0.0;
   bool allComputed = true;
   QJsonArray out;
-  for (const SectionRow& section : sections) {
-    session.setSection(section.id);
+  for (const db::SectionEntry& section : sections) {
+    session.setSection(section.sectionId);
     engine::ComputeQuantities(session, nullptr, -1.0f);
     const engine::QuantityRunState& run = session.quantityRun();
     allComputed = allComputed && run.Computed;
@@ -264,16 +253,16 @@ int allSections(Context& context, Session& s) {
     }
     if (context.parser.isSet(kJson)) {
       out.append(
-          QJsonObject{{QStringLiteral("section"), section.id},
+          QJsonObject{{QStringLiteral("section"), section.sectionId},
                       {QStringLiteral("description"), section.description},
                       {QStringLiteral("computed"), run.Computed},
                       {QStringLiteral("total_cut_volume"), jsonNumber(run.TotalCutVolume)},
                       {QStringLiteral("total_fill_volume"), jsonNumber(run.TotalFillVolume)}});
     } else if (!run.Computed) {
-      context.out << "Section " << section.id << " (" << section.description
+      context.out << "Section " << section.sectionId << " (" << section.description
                   << "): not computed, its level data have problems.\n";
     } else {
-      context.out << "Section " << section.id << " (" << section.description
+      context.out << "Section " << section.sectionId << " (" << section.description
                   << "): Cutting Volume : " << engine::formatNumber(run.TotalCutVolume, 2, symbols)
                   << " cum, Filling Volume : "
                   << engine::formatNumber(run.TotalFillVolume, 2, symbols) << " cum\n";

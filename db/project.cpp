@@ -352,4 +352,45 @@ SectionNames sectionNames(Connection& connection, std::int32_t section) {
   return {st.text(0), st.text(1)};
 }
 
+bool keyExists(Connection& connection, const QString& table, std::int32_t key) {
+  Statement query =
+      connection.prepare(QStringLiteral("SELECT ID FROM %1 WHERE ID=?").arg(table),
+                         QStringLiteral("Finding the row with ID %1 of %2").arg(key).arg(table));
+  query.bindKey(1, key);
+  return query.step();
+}
+
+QString packageName(Connection& connection, std::int32_t id) {
+  Statement st = connection.prepare(QStringLiteral("SELECT [Name] FROM Package WHERE ID=?"),
+                                    QStringLiteral("Reading the chosen package"));
+  st.bindKey(1, id);
+  return st.step() ? st.text(0) : QString();
+}
+
+std::optional<QString> designName(Connection& connection) {
+  Statement st = connection.prepare(QStringLiteral("SELECT [Name] FROM DesignList WHERE ID=1"),
+                                    QStringLiteral("Reading the name of the design"));
+  if (!st.step()) return std::nullopt;
+  return st.text(0);
+}
+
+std::vector<SectionEntry> listSections(Connection& connection) {
+  Statement st = connection.prepare(
+      QStringLiteral("SELECT p.ID, p.Name, s.ID, s.Description FROM Sections s JOIN Package p "
+                     "ON p.ID = s.PackageID ORDER BY p.District, p.Name, p.ID, s.Description, "
+                     "s.ID"),
+      QStringLiteral("Listing the sections"));
+  std::vector<SectionEntry> sections;
+  while (st.step()) sections.push_back({st.key(0), st.text(1), st.key(2), st.text(3)});
+  return sections;
+}
+
+std::int64_t quantityChainageCount(Connection& connection, std::int32_t section) {
+  Statement st =
+      connection.prepare(QStringLiteral("SELECT count(*) FROM DesignQty WHERE SectionID=?"),
+                         QStringLiteral("Counting the quantity chainages"));
+  st.bindKey(1, section);
+  return st.step() ? st.int64(0) : 0;
+}
+
 }  // namespace db

@@ -4,6 +4,9 @@
 
 #include <QString>
 
+#include <optional>
+#include <vector>
+
 #include <memory>
 
 namespace db {
@@ -41,5 +44,27 @@ struct SectionNames {
   QString packageName;
 };
 SectionNames sectionNames(Connection& connection, std::int32_t section);
+
+// Whether table holds a row with ID key.
+bool keyExists(Connection& connection, const QString& table, std::int32_t key);
+
+// The name of package id; empty when it has none or is missing.
+QString packageName(Connection& connection, std::int32_t id);
+
+// The name of the project's design (row 1 of DesignList); nullopt when there is no such row.
+std::optional<QString> designName(Connection& connection);
+
+// The sections of every package, in the order the lists show them: by district, package name,
+// section description.
+struct SectionEntry {
+  std::int32_t packageId = 0;
+  QString packageName;
+  std::int32_t sectionId = 0;
+  QString description;
+};
+std::vector<SectionEntry> listSections(Connection& connection);
+
+// How many quantity chainages section has.
+std::int64_t quantityChainageCount(Connection& connection, std::int32_t section);
 
 }  // namespace db
