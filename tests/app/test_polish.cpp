@@ -142,7 +142,8 @@ class TestPolish : public QObject {
     QVERIFY(grid.ColWidth(1) > share);  // the other column still takes its share
   }
 
-  // A block of a report is copied as tab-separated lines; typing changes nothing in it.
+  // A block of a report is copied as tab-separated lines; typing changes nothing in it. The
+  // export says where it wrote.
   void reportBlocksCopyAsTabSeparatedLines() {
     Desk desk(true);
     desk.choose(1, 1);
@@ -163,6 +164,11 @@ class TestPolish : public QObject {
     const QString expected = grid.Text(1, 0) + "\t" + grid.Text(1, 1) + "\r\n" + grid.Text(2, 0) +
                              "\t" + grid.Text(2, 1);
     QCOMPARE(QGuiApplication::clipboard()->text(), expected);
+
+    const QString sheet = desk.folder.filePath(QStringLiteral("q.csv"));
+    QVERIFY(desk.window->exportQuantitySheet(sheet));
+    QVERIFY2(desk.window->statusPanel(4).endsWith(QDir::toNativeSeparators(sheet)),
+             qPrintable(desk.window->statusPanel(4)));
   }
 
   // The filter and help windows open over the work area, not over the menus; the filter window
