@@ -219,21 +219,22 @@ void frmMain::createMenus() {
   m_mnuEdit = addMenu(QStringLiteral("mnuEdit"), QStringLiteral("&Edit"));
   QAction* undo = addMenuItem(m_mnuEdit, QStringLiteral("mnuEditUndo"), QStringLiteral("&Undo"),
                               nullptr, QKeySequence(Qt::CTRL | Qt::Key_Z));
-  connect(undo, &QAction::triggered, this, [this] { editMenuEvent(5); });
+  connect(undo, &QAction::triggered, this, [this] { editMenuEvent(sheets::frmDataGrid::kUndo); });
   m_mnuEdit->addSeparator();
   QAction* cut = addMenuItem(m_mnuEdit, QStringLiteral("mnuEditCut"), QStringLiteral("Cu&t"),
                              nullptr, QKeySequence(Qt::CTRL | Qt::Key_X));
-  connect(cut, &QAction::triggered, this, [this] { editMenuEvent(2); });
+  connect(cut, &QAction::triggered, this, [this] { editMenuEvent(sheets::frmDataGrid::kCut); });
   QAction* copy = addMenuItem(m_mnuEdit, QStringLiteral("mnuEditCopy"), QStringLiteral("&Copy"),
                               nullptr, QKeySequence(Qt::CTRL | Qt::Key_C));
-  connect(copy, &QAction::triggered, this, [this] { editMenuEvent(1); });
+  connect(copy, &QAction::triggered, this, [this] { editMenuEvent(sheets::frmDataGrid::kCopy); });
   QAction* paste = addMenuItem(m_mnuEdit, QStringLiteral("mnuEditPaste"), QStringLiteral("&Paste"),
                                nullptr, QKeySequence(Qt::CTRL | Qt::Key_V));
-  connect(paste, &QAction::triggered, this, [this] { editMenuEvent(3); });
+  connect(paste, &QAction::triggered, this, [this] { editMenuEvent(sheets::frmDataGrid::kPaste); });
   QAction* transform =
       addMenuItem(m_mnuEdit, QStringLiteral("mnuEditTransform"), QStringLiteral("T&ransform..."),
                   nullptr, QKeySequence(Qt::CTRL | Qt::Key_T));
-  connect(transform, &QAction::triggered, this, [this] { editMenuEvent(6); });
+  connect(transform, &QAction::triggered, this,
+          [this] { editMenuEvent(sheets::frmDataGrid::kTransform); });
   m_mnuEdit->addSeparator();
   addMenuItem(m_mnuEdit, QStringLiteral("mnuEditAdd"), QStringLiteral("&Add"), &frmMain::editAdd,
               QKeySequence(Qt::CTRL | Qt::Key_N));
@@ -362,16 +363,16 @@ void frmMain::createToolBars() {
   m_tbToolBar->addSeparator();
   connect(addToolButton(m_tbToolBar, QStringLiteral("Cut"), QStringLiteral("Cut"),
                         QStringLiteral("Cut"), nullptr),
-          &QAction::triggered, this, [this] { editMenuEvent(2); });
+          &QAction::triggered, this, [this] { editMenuEvent(sheets::frmDataGrid::kCut); });
   connect(addToolButton(m_tbToolBar, QStringLiteral("Copy"), QStringLiteral("Copy"),
                         QStringLiteral("Copy"), nullptr),
-          &QAction::triggered, this, [this] { editMenuEvent(1); });
+          &QAction::triggered, this, [this] { editMenuEvent(sheets::frmDataGrid::kCopy); });
   connect(addToolButton(m_tbToolBar, QStringLiteral("Paste"), QStringLiteral("Paste"),
                         QStringLiteral("Paste"), nullptr),
-          &QAction::triggered, this, [this] { editMenuEvent(3); });
+          &QAction::triggered, this, [this] { editMenuEvent(sheets::frmDataGrid::kPaste); });
   connect(addToolButton(m_tbToolBar, QStringLiteral("Undo"), QStringLiteral("Undo"),
                         QStringLiteral("Undo"), nullptr),
-          &QAction::triggered, this, [this] { editMenuEvent(5); });
+          &QAction::triggered, this, [this] { editMenuEvent(sheets::frmDataGrid::kUndo); });
   m_tbToolBar->addSeparator();
   addToolButton(m_tbToolBar, QStringLiteral("Filter"), QStringLiteral("Filter"),
                 QStringLiteral("Find"), &frmMain::viewFilterWindow);
