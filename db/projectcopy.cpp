@@ -227,6 +227,11 @@ ProjectCopy copyIntoNewProject(TableSource& source, const QString& path,
       createSchema(connection);
       Transaction copy(connection);
       Copier(source, connection, result, refused).copyAll();
+      if (result.copied.empty()) {
+        refused = true;
+        throw Error(QStringLiteral("\"%1\" holds none of a project's tables; its tables are %2.")
+                        .arg(source.name(), source.tableNames().join(QStringLiteral(", "))));
+      }
       copy.commit();
       if (accept) {
         const QString why = accept(connection);

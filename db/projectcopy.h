@@ -28,8 +28,9 @@ struct ProjectCopy {
   QStringList problems;
 };
 
-// The source's data cannot make a project: the project's tables refuse a row (a key used twice),
-// or the copy would not open as a project. Nothing was written.
+// The source's data cannot make a project: it holds none of a project's tables, the project's
+// tables refuse a row (a key used twice), or the copy would not open as a project. Nothing was
+// written.
 class CopyRefused : public Error {
  public:
   using Error::Error;

@@ -127,28 +127,41 @@ TEST(ProjectCopy, UnknownTablesAndColumnsAreListedAndMissingTablesCreatedEmpty) 
 
 // Every way a copy can fail leaves the folder as it was: no project, no scratch file.
 TEST(ProjectCopy, AFailedCopyLeavesNothingBehind) {
+  const FakeTable profile = testsupport::designProfileTable();
   const FakeTable sections{QStringLiteral("Sections"),
                            {{QStringLiteral("ID"), SourceType::Integer}},
                            {{std::int64_t{1}}, {std::int64_t{2}}, {std::int64_t{1}}}};
   const FakeTable good{QStringLiteral("Sections"),
                        {{QStringLiteral("ID"), SourceType::Integer}},
                        {{std::int64_t{1}}, {std::int64_t{2}}}};
+  const FakeTable contacts{QStringLiteral("Contacts"), {}, {}};
   const struct {
     const char* what;
-    FakeTable table;
+    std::vector<FakeTable> tables;
     int failAfterRows;  // -1: the source reads to the end
     const char* refusal;
     bool refused;  // CopyRefused rather than Error
     const char* mentioned;
   } cases[] = {
-      {"a key used twice", sections, -1, "", true, "Table Sections, row 3"},
-      {"a file that breaks mid-way", good, 1, "", false, "is damaged"},
-      {"a copy that is no project", good, -1, "no design profile", true, "no design profile"},
+      {"a key used twice", {profile, sections}, -1, "", true, "Table Sections, row 3"},
+      {"a file that breaks mid-way", {profile, good}, 1, "", false, "is damaged"},
+      {"a copy that is no project",
+       {profile, good},
+       -1,
+       "no design profile",
+       true,
+       "no design profile"},
+      {"a database of something else",
+       {contacts, contacts},
+       -1,
+       "",
+       true,
+       "\"old.mdb\" holds none of a project's tables; its tables are Contacts, Contacts."},
   };
   for (const auto& k : cases) {
     SCOPED_TRACE(k.what);
     TempProject dir;
-    FakeSource source({testsupport::designProfileTable(), k.table});
+    FakeSource source(k.tables);
     if (k.failAfterRows >= 0) source.failReading(QStringLiteral("Sections"), k.failAfterRows);
     const QString refusal = QString::fromLatin1(k.refusal);
     try {
