@@ -14,6 +14,9 @@
 #include <algorithm>
 #include <bit>
 #include <cstdint>
+#include <cstdio>
+
+#include <unistd.h>
 
 namespace db {
 
@@ -49,6 +52,28 @@ SourceType sourceTypeOf(int jetType) {
       return SourceType::Other;
   }
 }
+
+// The library writes what it finds wrong in a damaged file, page dumps included, to standard
+// output, where the command line's results go. While it works, that goes to standard error.
+class LibraryOutputToStderr {
+ public:
+  LibraryOutputToStderr() {
+    std::fflush(stdout);
+    m_saved = ::dup(STDOUT_FILENO);
+    if (m_saved >= 0) ::dup2(STDERR_FILENO, STDOUT_FILENO);
+  }
+  ~LibraryOutputToStderr() {
+    if (m_saved < 0) return;
+    std::fflush(stdout);
+    ::dup2(m_saved, STDOUT_FILENO);
+    ::close(m_saved);
+  }
+  LibraryOutputToStderr(const LibraryOutputToStderr&) = delete;
+  LibraryOutputToStderr& operator=(const LibraryOutputToStderr&) = delete;
+
+ private:
+  int m_saved = -1;
+};
 
 struct TableFree {
   void operator()(MdbTableDef* table) const { mdb_free_tabledef(table); }
@@ -89,6 +114,7 @@ struct JetSource::Database {
   // The user's table of that name with its columns read; throws when there is none or it
   // cannot be read. path names the file in messages.
   TablePtr table(const QString& path, const QString& name) const {
+    const LibraryOutputToStderr quiet;
     for (unsigned i = 0; i < mdb->num_catalog; ++i) {
       MdbCatalogEntry* candidate = entry(i);
       if (!isUserTable(candidate) || QString::fromUtf8(candidate->object_name) != name) continue;
@@ -118,6 +144,7 @@ JetSource::JetSource(const QString& path) : m_path(path), m_database(new Databas
   if (signature != QByteArray("Standard Jet DB", 15) &&
       signature != QByteArray("Standard ACE DB", 15))
     throw notJet;
+  const LibraryOutputToStderr quiet;
   m_database->mdb = mdb_open(QFile::encodeName(path).constData(), MDB_NOFLAGS);
   if (!m_database->mdb) throw notJet;
   MdbHandle* mdb = m_database->mdb;
@@ -128,7 +155,8 @@ JetSource::JetSource(const QString& path) : m_path(path), m_database(new Databas
   mdb_set_bind_size(mdb, kLongestText);
   // A date as a person and a spreadsheet read it, whatever the user's locale.
   mdb_set_date_fmt(mdb, "%Y-%m-%d %H:%M:%S");
-  if (!mdb_read_catalog(mdb, MDB_TABLE))
+  // Every Jet file lists its own system tables; a list without them was cut short.
+  if (!mdb_read_catalog(mdb, MDB_TABLE) || mdb->num_catalog == 0)
     throw Error(
         QStringLiteral("The file \"%1\" is damaged: its list of tables cannot be read.").arg(path));
 }
@@ -209,6 +237,7 @@ void JetSource::readRows(const QString& table, const QStringList& columns,
   const auto damaged = [&](const QString& what) {
     return Error(QStringLiteral("The file \"%1\" is damaged: %2").arg(m_path, what));
   };
+  const LibraryOutputToStderr quiet;
   std::vector<MdbField> fields(MDB_MAX_COLS);
   std::vector<int> fieldOfColumn(def->num_cols, -1);
   std::vector<SourceValue> row(wanted.size());

@@ -3,6 +3,11 @@
 #include "tests/testsupport.h"
 
 #include <QFile>
+#include <QTemporaryFile>
+
+#include <cstdio>
+
+#include <unistd.h>
 
 #include <gtest/gtest.h>
 
@@ -109,6 +114,7 @@ TEST(JetSource, FilesThatAreNoJetDatabaseAreRefused) {
   };
   QFile sample(fixture("jet3-test.mdb"));
   ASSERT_TRUE(sample.open(QIODevice::ReadOnly));
+  const QByteArray bytes = sample.readAll();
   dir.create();
   const struct {
     QString path;
@@ -118,7 +124,8 @@ TEST(JetSource, FilesThatAreNoJetDatabaseAreRefused) {
        "is not a Jet database"},
       {write("empty.mdb", {}), "is not a Jet database"},
       {dir.path(), "is not a Jet database"},
-      {write("cut.mdb", sample.read(20000)), "is damaged"},
+      {write("cut.mdb", bytes.left(20000)), "is damaged"},
+      {write("cut8.mdb", bytes.left(8 * 2048)), "is damaged"},
       {dir.path(QStringLiteral("absent.mdb")), "does not exist"},
       {dir.dir().path(), "is a folder"},
   };
@@ -130,6 +137,48 @@ TEST(JetSource, FilesThatAreNoJetDatabaseAreRefused) {
       EXPECT_TRUE(e.message().contains(k.path)) << e.what();
       EXPECT_TRUE(e.message().contains(QString::fromLatin1(k.reason))) << e.what();
     }
+  }
+}
+
+// A file cut short at a page boundary after its list of tables: the rows it lost are missed,
+// and the library's page dumps stay off standard output, where the command line's JSON goes.
+TEST(JetSource, ACutFileLosesNoRowUnnoticedAndKeepsStandardOutputClean) {
+  testsupport::TempProject dir;
+  QFile sample(fixture("jet3-test.mdb"));
+  ASSERT_TRUE(sample.open(QIODevice::ReadOnly));
+  const QByteArray bytes = sample.readAll();
+  const struct {
+    int pages;
+    const char* table;
+    const char* reason;
+  } cases[] = {
+      {30, "Table1", "the table Table1 should hold 2 rows, but 0 can be read."},
+      {45, "Table3", "the table Table3 cannot be read."},
+  };
+  for (const auto& k : cases) {
+    const QString path = dir.path(QStringLiteral("cut%1.mdb").arg(k.pages));
+    QFile cut(path);
+    ASSERT_TRUE(cut.open(QIODevice::WriteOnly));
+    cut.write(bytes.left(k.pages * 2048));
+    cut.close();
+
+    QTemporaryFile captured;
+    ASSERT_TRUE(captured.open());
+    std::fflush(stdout);
+    const int saved = ::dup(STDOUT_FILENO);
+    ::dup2(captured.handle(), STDOUT_FILENO);
+    QString error;
+    try {
+      db::JetSource source(path);
+      rowsOf(source, QString::fromLatin1(k.table), {});
+    } catch (const db::Error& e) {
+      error = e.message();
+    }
+    std::fflush(stdout);
+    ::dup2(saved, STDOUT_FILENO);
+    ::close(saved);
+    EXPECT_TRUE(error.endsWith(QString::fromLatin1(k.reason))) << error.toStdString();
+    EXPECT_EQ(captured.size(), 0) << captured.readAll().left(200).toStdString();
   }
 }
 

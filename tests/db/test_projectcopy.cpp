@@ -94,7 +94,11 @@ TEST(ProjectCopy, UnknownTablesAndColumnsAreListedAndMissingTablesCreatedEmpty) 
          {QStringLiteral("ID"), SourceType::Integer}},
         {{0.5f, QStringLiteral("pole"), 101.25f, SourceValue{}, std::int64_t{7}, std::int64_t{40}},
          {0.5f, SourceValue{}, SourceValue{}, SourceValue{}, std::int64_t{7}, std::int64_t{3}}}},
-       testsupport::designProfileTable()});
+       testsupport::designProfileTable(),
+       // Rows without a column the project keeps still count: their keys are made anew.
+       {QStringLiteral("Outlets"),
+        {{QStringLiteral("Photo"), SourceType::Other}},
+        {{SourceValue{}}, {SourceValue{}}}}});
   const db::ProjectCopy copy = db::copyIntoNewProject(source, dir.path());
 
   EXPECT_EQ(copy.skipped,
@@ -102,12 +106,14 @@ TEST(ProjectCopy, UnknownTablesAndColumnsAreListedAndMissingTablesCreatedEmpty) 
                                         "skipped."),
                          QStringLiteral("The column initial.Offset holds pictures, documents or "
                                         "raw bytes, which a project has no place for; skipped."),
+                         QStringLiteral("The column Outlets.Photo is not part of a project; "
+                                        "skipped."),
                          QStringLiteral("The table NOTES is not part of a project; skipped.")}));
   QStringList expectedEmpty = db::requiredTables();
-  expectedEmpty.removeAll(QStringLiteral("Initial"));
-  expectedEmpty.removeAll(QStringLiteral("DesignExp"));
+  for (const char* copied : {"Initial", "DesignExp", "Outlets"})
+    expectedEmpty.removeAll(QString::fromLatin1(copied));
   EXPECT_EQ(copy.emptyTables, expectedEmpty);
-  ASSERT_EQ(copy.copied.size(), 2u);
+  ASSERT_EQ(copy.copied.size(), 3u);
   EXPECT_EQ(copy.copied[0].name, QStringLiteral("Initial"));
   EXPECT_EQ(copy.copied[0].rows, 2);
 
@@ -122,6 +128,8 @@ TEST(ProjectCopy, UnknownTablesAndColumnsAreListedAndMissingTablesCreatedEmpty) 
   }
   EXPECT_EQ(rows, QStringList({QStringLiteral("3 0.5 NULL NULL 7"),
                                QStringLiteral("40 0.5 NULL 101.25 7")}));
+  EXPECT_EQ(testsupport::rowCount(*project, QStringLiteral("Outlets"), QStringLiteral("ID > 0")),
+            2);
   for (const QString& table : expectedEmpty) EXPECT_EQ(testsupport::rowCount(*project, table), 0);
 }
 
