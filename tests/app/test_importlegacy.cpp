@@ -1,3 +1,4 @@
+#include "app/dlgerrorform.h"
 #include "tests/app/appfixture.h"
 #include "tests/fakesource.h"
 #include "tests/qtestmain.h"
@@ -12,13 +13,17 @@ using db::SourceType;
 
 namespace {
 
-// An older project: the design profile, one package, and a table a project has no place for.
+// An older project: the design profile, one package, a reading whose level was typed as text,
+// and a table a project has no place for.
 std::unique_ptr<db::TableSource> legacyProject(const QString&) {
   return std::make_unique<testsupport::FakeSource>(std::vector<testsupport::FakeTable>{
       testsupport::designProfileTable(),
       {QStringLiteral("Package"),
        {{QStringLiteral("ID"), SourceType::Integer}, {QStringLiteral("Name"), SourceType::Text}},
        {{std::int64_t{4}, QStringLiteral("Left Main Canal")}}},
+      {QStringLiteral("Initial"),
+       {{QStringLiteral("Level"), SourceType::Text}},
+       {{QStringLiteral("152.4 m")}}},
       {QStringLiteral("Notes"), {{QStringLiteral("Text"), SourceType::Text}}, {}}});
 }
 
@@ -41,17 +46,22 @@ class TestImportLegacy : public QObject {
   void importReportsAndOpensTheCopy() {
     Desk desk;
     desk.showChildren({"Initial"});
-    answerOpenWith(desk, desk.folder.filePath(QStringLiteral("canal 1998.mdb")));
+    answerOpenWith(desk, desk.folder.filePath(QStringLiteral("canal 1998.v2.mdb")));
     desk.window->setLegacySourceFunction(legacyProject);
     desk.saveAs = desk.folder.filePath(QStringLiteral("imported"));
     desk.trigger("mnuFileImportLegacy");
 
     const QString imported = desk.folder.filePath(QStringLiteral("imported.delvane"));
-    QCOMPARE(desk.suggestedSave, desk.folder.filePath(QStringLiteral("canal 1998.delvane")));
+    QCOMPARE(desk.suggestedSave, desk.folder.filePath(QStringLiteral("canal 1998.v2.delvane")));
     QCOMPARE(desk.messages.size(), 1);
-    QVERIFY2(desk.messages[0].text.contains(
-                 QStringLiteral("The table Notes is not part of a project; skipped.")),
+    QVERIFY2(desk.messages[0]
+                 .text.split(QLatin1Char('\n'))
+                 .contains(QStringLiteral("The table Notes is not part of a project; skipped.")),
              qPrintable(desk.messagesText()));
+    QVERIFY(desk.reporter.errorForm());
+    QCOMPARE(desk.reporter.errorForm()->text(),
+             QStringLiteral("Table Initial, row 1, column Level: \"152.4 m\" is not a number; "
+                            "kept as it was."));
     QVERIFY(desk.messages[0].text.endsWith(QStringLiteral("Open the new project now?")));
     QCOMPARE(desk.state.strDatabasePath, imported);
     QCOMPARE(desk.rows("SELECT ID, Name FROM Package"), QStringLiteral("4 Left Main Canal"));

@@ -48,7 +48,7 @@ TEST(ProjectCopy, ValuesGoInAsTheProjectStoresThem) {
       {"Initial", "SectionID", SourceType::Text, QStringLiteral("4"), "integer 4", nullptr},
       {"Package", "Phase", SourceType::Integer, std::int64_t{2019}, "text 2019", nullptr},
       {"Package", "Phase", SourceType::Single, 1.1f, "text 1.1", nullptr},
-      {"Package", "Phase", SourceType::Double, 0.3, "text 0.3", nullptr},
+      {"Package", "Phase", SourceType::Double, 0.1 + 0.2, "text 0.30000000000000004", nullptr},
       {"Package", "Name", SourceType::Text, QStringLiteral("Left Canal"), "text Left Canal",
        nullptr},
       {"Package", "Name", SourceType::Text, SourceValue{}, "null ", nullptr},
