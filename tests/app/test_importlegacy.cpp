@@ -68,18 +68,6 @@ class TestImportLegacy : public QObject {
     QCOMPARE(desk.window->mdiArea()->subWindowList().size(), 0);
   }
 
-  // Declining to open the copy keeps the project that is open; the copy stays.
-  void declinedOpenKeepsTheCurrentProject() {
-    Desk desk;
-    answerOpenWith(desk, desk.folder.filePath(QStringLiteral("old.mdb")));
-    desk.window->setLegacySourceFunction(legacyProject);
-    desk.saveAs = desk.folder.filePath(QStringLiteral("copy.delvane"));
-    desk.answer = sheets::MessageAnswer::No;
-    desk.trigger("mnuFileImportLegacy");
-    QVERIFY(QFile::exists(desk.saveAs));
-    QCOMPARE(desk.state.strDatabasePath, desk.path);
-  }
-
   // A file that is no Jet database is refused before the user is asked where to save; a Jet
   // file of something else after. Either way the message says why and no file is made.
   void refusedFilesLeaveNothing() {

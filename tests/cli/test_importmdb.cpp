@@ -59,14 +59,4 @@ TEST(ImportMdb, RefusalsSayWhyAndCreateNothing) {
   }
 }
 
-// A file already under the new name is kept as it was.
-TEST(ImportMdb, AnExistingProjectIsNotReplaced) {
-  testsupport::TempProject dir;
-  dir.create();
-  const auto r = runCli({QStringLiteral("import-mdb"), fixture("jet3-test.mdb"), dir.path()});
-  EXPECT_EQ(r.code, 3);
-  EXPECT_TRUE(r.err.contains(QStringLiteral("already exists"))) << r.err.toStdString();
-  EXPECT_EQ(testsupport::rowCount(dir.connection(), QStringLiteral("DesignExp")), 7);
-}
-
 }  // namespace
