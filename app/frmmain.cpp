@@ -1,6 +1,7 @@
 #include "app/frmmain.h"
 
 #include "app/appstate.h"
+#include "app/desktopreporter.h"
 #include "app/frmoptions.h"
 #include "app/frmplotlxsection.h"
 #include "app/frmsplash.h"
@@ -14,11 +15,13 @@
 #include "app/toolicons.h"
 #include "app/twips.h"
 #include "db/connection.h"
+#include "db/jetsource.h"
 #include "db/project.h"
 #include "db/schema.h"
 #include "engine/initialorder.h"
 #include "engine/numbertext.h"
 #include "engine/progress.h"
+#include "engine/projectimport.h"
 #include "engine/quantityexport.h"
 #include "engine/session.h"
 #include "sheets/dlgsearchwindow.h"
@@ -186,6 +189,8 @@ void frmMain::createMenus() {
   QMenu* file = addMenu(QStringLiteral("mnuFile"), QStringLiteral("&File"));
   addMenuItem(file, QStringLiteral("mnuFileOpen"), QStringLiteral("&Open DB..."),
               &frmMain::fileOpen, QKeySequence(Qt::CTRL | Qt::Key_O));
+  addMenuItem(file, QStringLiteral("mnuFileImportLegacy"),
+              QStringLiteral("&Import Legacy Project..."), &frmMain::fileImportLegacy);
   addMenuItem(file, QStringLiteral("mnuFileSave"), QStringLiteral("&Save"), &frmMain::fileSave,
               QKeySequence(Qt::CTRL | Qt::Key_S));
   file->addSeparator();
@@ -568,6 +573,12 @@ void frmMain::setInputFunction(InputFunction input) { m_input = std::move(input)
 
 void frmMain::setSaveFileFunction(SaveFileFunction saveFile) { m_saveFile = std::move(saveFile); }
 
+void frmMain::setOpenFileFunction(OpenFileFunction openFile) { m_openFile = std::move(openFile); }
+
+void frmMain::setLegacySourceFunction(LegacySourceFunction openSource) {
+  m_openLegacySource = std::move(openSource);
+}
+
 void frmMain::message(const QString& text, sheets::MessageIcon icon) {
   m_context.ask(this, text, kTitle, sheets::MessageButtons::Ok, icon);
 }
@@ -590,15 +601,7 @@ QString frmMain::input(const QString& title, const QString& prompt, const QStrin
 void frmMain::fileOpen() {
   // The computation reads the open project; replacing it under the run would crash.
   if (refusedWhileRunning()) return;
-  // The children are bound to the project they were opened on, so they close with it, each
-  // sheet with unsaved edits asking first while that project is still open. A sheet the user
-  // keeps open keeps that project open.
-  const auto closeEveryChild = [this] {
-    if (!closeChildren([](QMdiSubWindow*) { return true; }, true)) return false;
-    closeFilterWindow();
-    return true;
-  };
-  switch (OpenDatabase(m_state, this, false, closeEveryChild)) {
+  switch (OpenDatabase(m_state, this, false, [this] { return closeEveryChild(); })) {
     case OpenResult::Cancelled:
       return;
     case OpenResult::Refused:
@@ -608,6 +611,19 @@ void frmMain::fileOpen() {
     case OpenResult::Opened:
       break;
   }
+  projectOpened();
+}
+
+bool frmMain::closeEveryChild() {
+  // The children are bound to the project they were opened on, so they close with it, each
+  // sheet with unsaved edits asking first while that project is still open. A sheet the user
+  // keeps open keeps that project open.
+  if (!closeChildren([](QMdiSubWindow*) { return true; }, true)) return false;
+  closeFilterWindow();
+  return true;
+}
+
+void frmMain::projectOpened() {
   m_state.lngPackageID = 0;
   m_state.lngSectionID = 0;
   m_state.strPackageName.clear();
@@ -615,6 +631,77 @@ void frmMain::fileOpen() {
   useExecutedLevelChanged(m_chkUseExecutedLevel->isChecked());
   setWindowTitle(kTitle);
   EnableMenus();
+}
+
+bool frmMain::openProjectFile(std::unique_ptr<db::Connection> connection, const QString& path) {
+  if (adoptProject(m_state, std::move(connection), path, [this] { return closeEveryChild(); }) !=
+      OpenResult::Opened)
+    return false;
+  projectOpened();
+  return true;
+}
+
+void frmMain::fileImportLegacy() {
+  if (refusedWhileRunning()) return;
+  const QString caption = QStringLiteral("Import Legacy Project");
+  const QString folder = m_state.strDatabasePath.isEmpty()
+                             ? QDir::homePath()
+                             : QFileInfo(m_state.strDatabasePath).absolutePath();
+  const QString filter = QStringLiteral("Legacy project files (*.mdb);;All files (*)");
+  const QString oldFile = m_openFile ? m_openFile(this, caption, folder, filter)
+                                     : QFileDialog::getOpenFileName(this, caption, folder, filter);
+  if (oldFile.isEmpty()) return;
+  std::unique_ptr<db::TableSource> source;
+  try {
+    source =
+        m_openLegacySource ? m_openLegacySource(oldFile) : std::make_unique<db::JetSource>(oldFile);
+  } catch (const db::Error& e) {
+    message(e.message(), sheets::MessageIcon::Critical);
+    return;
+  }
+
+  const QFileInfo old(oldFile);
+  const QString suggested =
+      old.absoluteDir().filePath(old.completeBaseName() + QStringLiteral(".delvane"));
+  const QString saveCaption = QStringLiteral("Save the Imported Project As");
+  const QString saveFilter = QStringLiteral("Delvane projects (*.delvane)");
+  QString newFile = m_saveFile
+                        ? m_saveFile(this, saveCaption, suggested, saveFilter)
+                        : QFileDialog::getSaveFileName(this, saveCaption, suggested, saveFilter);
+  if (newFile.isEmpty()) return;
+  if (QFileInfo(newFile).suffix().isEmpty()) newFile += QStringLiteral(".delvane");
+
+  db::ProjectCopy copy;
+  {
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    const auto restoreCursor = qScopeGuard([] { QApplication::restoreOverrideCursor(); });
+    try {
+      copy = engine::importProject(*source, newFile);
+    } catch (const db::Error& e) {
+      message(e.message(), sheets::MessageIcon::Critical);
+      return;
+    }
+  }
+
+  // Values kept as they came go to the error list, where the user works through them.
+  for (const QString& line : copy.problems) m_state.reporter->ShowError(line);
+  QString report = QStringLiteral("%1 was copied into %2.")
+                       .arg(QDir::toNativeSeparators(oldFile), QDir::toNativeSeparators(newFile));
+  if (!copy.skipped.isEmpty())
+    report += QStringLiteral("\n\n") + copy.skipped.join(QLatin1Char('\n'));
+  if (!copy.emptyTables.isEmpty())
+    report += QStringLiteral("\n\nThe old file has no %1; these tables start empty.")
+                  .arg(copy.emptyTables.join(QStringLiteral(", ")));
+  if (!copy.problems.isEmpty())
+    report += QStringLiteral(
+        "\n\nSome values do not fit their columns and were kept as they "
+        "came; the error list names them.");
+  if (!askYesNo(caption, report + QStringLiteral("\n\nOpen the new project now?"))) return;
+  try {
+    openProjectFile(db::openProject(newFile), newFile);
+  } catch (const db::Error& e) {
+    message(e.message(), sheets::MessageIcon::Critical);
+  }
 }
 
 void frmMain::fileSave() {

@@ -25,6 +25,11 @@ class QMenu;
 class QPrinter;
 class QToolBar;
 
+namespace db {
+class Connection;
+class TableSource;
+}  // namespace db
+
 namespace sheets {
 class frmDataGrid;
 class frmReport;
@@ -49,6 +54,13 @@ class frmMain : public QMainWindow, public sheets::MainWindowLink {
   using SaveFileFunction =
       std::function<QString(QWidget* parent, const QString& caption, const QString& suggestedPath,
                             const QString& filter)>;
+
+  // Asks for an existing file to read; returns the empty text when the user cancels.
+  using OpenFileFunction = std::function<QString(QWidget* parent, const QString& caption,
+                                                 const QString& folder, const QString& filter)>;
+
+  // Opens an older project file as a table source; throws db::Error when it cannot be read.
+  using LegacySourceFunction = std::function<std::unique_ptr<db::TableSource>(const QString& path)>;
 
   explicit frmMain(AppState& state, QWidget* parent = nullptr);
   ~frmMain() override;
@@ -85,6 +97,9 @@ class frmMain : public QMainWindow, public sheets::MainWindowLink {
   void setMessageFunction(sheets::MessageFunction message);
   void setInputFunction(InputFunction input);
   void setSaveFileFunction(SaveFileFunction saveFile);
+  void setOpenFileFunction(OpenFileFunction openFile);
+  // Replaces the Jet reader that File > Import Legacy Project uses (tests).
+  void setLegacySourceFunction(LegacySourceFunction openSource);
 
   // Rebuilds the list of open children at the foot of the Window menu.
   void updateWindowMenu();
@@ -94,6 +109,9 @@ class frmMain : public QMainWindow, public sheets::MainWindowLink {
 
   // Commands. Each one is what its menu item and button run.
   void fileOpen();
+  // Asks for an older project file (.mdb) and where to save its copy, copies it into a new
+  // project file, tells what was skipped, and offers to open the copy as File > Open does.
+  void fileImportLegacy();
   void fileSave();
   void filePageSetup();
   void filePrint();
@@ -165,6 +183,15 @@ class frmMain : public QMainWindow, public sheets::MainWindowLink {
   void useExecutedLevelChanged(bool checked);
   // Empties the status bar's volume and time panels.
   void clearTotals();
+  // Makes path, open on connection, the current project as File > Open does: every child
+  // closes first (those with unsaved edits ask). False when the user kept a child open or the
+  // project was refused.
+  bool openProjectFile(std::unique_ptr<db::Connection> connection, const QString& path);
+  // Closes every child and the filter window, sheets with unsaved edits asking first; false
+  // when the user kept one.
+  bool closeEveryChild();
+  // The current package and section are forgotten after another project was opened.
+  void projectOpened();
   // Runs a long engine computation (the quantity run, the plotted sections, the export, the
   // ordering of the initial levels) with the program marked busy until it ends.
   void runEngine(const std::function<void()>& computation);
@@ -199,6 +226,8 @@ class frmMain : public QMainWindow, public sheets::MainWindowLink {
   sheets::SheetContext m_context;
   InputFunction m_input;
   SaveFileFunction m_saveFile;
+  OpenFileFunction m_openFile;
+  LegacySourceFunction m_openLegacySource;
   QMdiArea* m_mdiArea = nullptr;
   std::array<QLabel*, 4> m_panels{};
   std::map<QString, QAction*> m_actions;

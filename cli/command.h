@@ -82,5 +82,7 @@ extern const Command kPlotCommands[];
 extern const int kPlotCommandCount;
 extern const Command kViewCommands[];
 extern const int kViewCommandCount;
+extern const Command kLegacyCommands[];
+extern const int kLegacyCommandCount;
 
 }  // namespace cli

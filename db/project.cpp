@@ -288,7 +288,7 @@ std::unique_ptr<Connection> openProject(const QString& path, ProjectAccess acces
 
 QString demoProjectFileName() { return QStringLiteral("Demo.delvane"); }
 
-void createProject(const QString& path, bool demo) {
+void buildNewFile(const QString& path, const std::function<void(Connection&)>& build) {
   if (path.isEmpty()) throw Error(QStringLiteral("No project file was named."));
   const QFileInfo target(fileSystemPath(path));
   if (target.isDir())
@@ -310,11 +310,7 @@ void createProject(const QString& path, bool demo) {
   };
   try {
     auto connection = Connection::open(scratch, Connection::Mode::Create);
-    createSchema(*connection);
-    Transaction data(*connection);
-    writeTemplate(*connection);
-    if (demo) writeDemo(*connection);
-    data.commit();
+    build(*connection);
   } catch (const Error& e) {
     removeScratch();
     throw Error(
@@ -329,6 +325,16 @@ void createProject(const QString& path, bool demo) {
                                    ? QStringLiteral("the file already exists.")
                                    : QStringLiteral("it cannot be renamed.")));
   }
+}
+
+void createProject(const QString& path, bool demo) {
+  buildNewFile(path, [demo](Connection& connection) {
+    createSchema(connection);
+    Transaction data(connection);
+    writeTemplate(connection);
+    if (demo) writeDemo(connection);
+    data.commit();
+  });
 }
 
 bool isSameFile(const QString& a, const QString& b) {

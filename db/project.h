@@ -4,10 +4,10 @@
 
 #include <QString>
 
+#include <functional>
+#include <memory>
 #include <optional>
 #include <vector>
-
-#include <memory>
 
 namespace db {
 
@@ -31,6 +31,13 @@ std::unique_ptr<Connection> openProject(const QString& path,
 // file; throws Error naming the file and the reason. The project is built in a temporary file
 // beside path and takes the name only once complete, so path never holds half a project.
 void createProject(const QString& path, bool demo);
+
+// Makes a new SQLite file at path through build, which gets it open and empty. path takes the
+// file only once build has returned, so it never holds half a file: build writes under a
+// scratch name beside path, removed again when build throws. Refuses an existing file and a
+// missing folder; throws Error naming the file and the reason ("The project file ... could not
+// be written: ...", with build's own message).
+void buildNewFile(const QString& path, const std::function<void(Connection&)>& build);
 
 // Whether a and b name the same existing file, through any spelling, symbolic or hard link.
 bool isSameFile(const QString& a, const QString& b);
