@@ -82,5 +82,7 @@ extern const Command kPlotCommands[];
 extern const int kPlotCommandCount;
 extern const Command kViewCommands[];
 extern const int kViewCommandCount;
+extern const Command kSurveyCommands[];
+extern const int kSurveyCommandCount;
 
 }  // namespace cli
