@@ -388,6 +388,16 @@ INSTANTIATE_TEST_SUITE_P(
         CliCase{"ImportExecutedLevelsJson", Project::HandBuilt, nullptr,
                 "import-levels FILE --section 1 --csv DATA/" SURVEY " --table Executed --json", 0,
                 R"(~"rows":27,"section":1,"table":"Executed","written":true})"},
+        CliCase{"ImportLevelsGuessesMetres", Project::HandBuilt, nullptr,
+                "import-levels FILE --section 1 --csv DATA/survey/rmc_km2_levels.txt --json", 0,
+                R"({"chainage_unit":"m","chainage_unit_guessed":true,"chainages":2,)"
+                R"("delimiter":"space","errors":[],"header_line":0,"replaced":0,"rows":6,)"
+                R"("section":1,"table":"Initial","written":true})"
+                "\n"},
+        CliCase{"ImportLevelsInTheUnitGiven", Project::HandBuilt, nullptr,
+                "import-levels FILE --section 1 --csv DATA/survey/rmc_km2_levels.txt "
+                "--chainage-unit km --json",
+                0, R"(~{"chainage_unit":"km","chainage_unit_guessed":false,)"},
         CliCase{
             "ImportLevelsRefusesReadingsTheTableHolds", Project::Demo, nullptr,
             "import-levels FILE --section 1 --csv DATA/" SURVEY, 1, "",
