@@ -48,6 +48,10 @@ class frmMain : public QMainWindow, public sheets::MainWindowLink {
       std::function<QString(QWidget* parent, const QString& caption, const QString& suggestedPath,
                             const QString& filter)>;
 
+  // Asks for the name of a file to read; returns the empty text when the user cancels.
+  using OpenFileFunction = std::function<QString(QWidget* parent, const QString& caption,
+                                                 const QString& folder, const QString& filter)>;
+
   explicit frmMain(AppState& state, QWidget* parent = nullptr);
   ~frmMain() override;
 
@@ -83,6 +87,7 @@ class frmMain : public QMainWindow, public sheets::MainWindowLink {
   void setMessageFunction(sheets::MessageFunction message);
   void setInputFunction(InputFunction input);
   void setSaveFileFunction(SaveFileFunction saveFile);
+  void setOpenFileFunction(OpenFileFunction openFile);
 
   // Rebuilds the list of open children at the foot of the Window menu.
   void updateWindowMenu();
@@ -93,6 +98,9 @@ class frmMain : public QMainWindow, public sheets::MainWindowLink {
   // Commands. Each one is what its menu item and button run.
   void fileOpen();
   void fileSave();
+  // Asks for a survey file, shows how it reads, and adds its readings to the levels of the
+  // current section.
+  void fileImportLevels();
   void filePageSetup();
   void filePrint();
   void editMenuEvent(std::int16_t command);
@@ -187,6 +195,7 @@ class frmMain : public QMainWindow, public sheets::MainWindowLink {
   sheets::SheetContext m_context;
   InputFunction m_input;
   SaveFileFunction m_saveFile;
+  OpenFileFunction m_openFile;
   QMdiArea* m_mdiArea = nullptr;
   std::array<QLabel*, 4> m_panels{};
   std::map<QString, QAction*> m_actions;

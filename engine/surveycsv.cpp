@@ -419,18 +419,19 @@ SurveyRead readSurvey(const QStringList& lines, const SurveyLayout& layout,
   return result;
 }
 
+QString surveyColumnText(const SurveyLayout& layout, int column) {
+  QString text = QStringLiteral("column ") + QString::number(column + 1);
+  for (int f = 0; f < kSurveyFieldCount; ++f)
+    if (layout.columns[f] == column)
+      return text + QStringLiteral(" (") + surveyFieldName(static_cast<SurveyField>(f)) +
+             QLatin1Char(')');
+  return text;
+}
+
 QString surveyProblemText(const QString& fileName, const SurveyLayout& layout,
                           const SurveyProblem& problem) {
   QString where = fileName + QStringLiteral(", line ") + QString::number(problem.line);
-  if (problem.column >= 0) {
-    where += QStringLiteral(", column ") + QString::number(problem.column + 1);
-    for (int f = 0; f < kSurveyFieldCount; ++f)
-      if (layout.columns[f] == problem.column) {
-        where +=
-            QStringLiteral(" (") + surveyFieldName(static_cast<SurveyField>(f)) + QLatin1Char(')');
-        break;
-      }
-  }
+  if (problem.column >= 0) where += QStringLiteral(", ") + surveyColumnText(layout, problem.column);
   return where + QStringLiteral(": ") + problem.message;
 }
 

@@ -105,6 +105,9 @@ SurveyLayout detectSurveyLayout(const QStringList& lines);
 SurveyRead readSurvey(const QStringList& lines, const SurveyLayout& layout,
                       std::optional<ChainageUnit> unit);
 
+// "column 3 (level)": a 0-based column as messages name it, with the field it holds.
+QString surveyColumnText(const SurveyLayout& layout, int column);
+
 // The error-list line of a problem of the file fileName:
 // "survey.csv, line 7, column 3 (level): '10x.2' is not a number."
 QString surveyProblemText(const QString& fileName, const SurveyLayout& layout,
