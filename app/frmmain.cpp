@@ -7,6 +7,7 @@
 #include "app/frmsplash.h"
 #include "app/frmtypicalsection.h"
 #include "app/helpwindow.h"
+#include "app/importlevelsdialog.h"
 #include "app/mdiarrange.h"
 #include "app/opendatabase.h"
 #include "app/plotsheets.h"
@@ -20,6 +21,7 @@
 #include "db/schema.h"
 #include "engine/initialorder.h"
 #include "engine/numbertext.h"
+#include "engine/levelimport.h"
 #include "engine/progress.h"
 #include "engine/projectimport.h"
 #include "engine/quantityexport.h"
@@ -193,6 +195,9 @@ void frmMain::createMenus() {
               QStringLiteral("&Import Legacy Project..."), &frmMain::fileImportLegacy);
   addMenuItem(file, QStringLiteral("mnuFileSave"), QStringLiteral("&Save"), &frmMain::fileSave,
               QKeySequence(Qt::CTRL | Qt::Key_S));
+  file->addSeparator();
+  addMenuItem(file, QStringLiteral("mnuFileImportLevels"), QStringLiteral("&Import Levels..."),
+              &frmMain::fileImportLevels);
   file->addSeparator();
   addMenuItem(file, QStringLiteral("mnuFilePageSetup"), QStringLiteral("Page Set&up..."),
               &frmMain::filePageSetup);
@@ -465,8 +470,8 @@ void frmMain::EnableMenus() {
   action(QStringLiteral("mnuDataSections"))->setEnabled(package);
   for (const char* name :
        {"mnuDataDesign", "mnuDataDesignSummary", "mnuDataOutlets", "mnuDataInitial",
-        "mnuDataExecuted", "mnuOutputXSection", "mnuOutputLSection", "mnuOutputQuantity",
-        "mnuOutputViewXSec", "mnuOutputViewLSec", "mnuOutputViewQty"})
+        "mnuDataExecuted", "mnuFileImportLevels", "mnuOutputXSection", "mnuOutputLSection",
+        "mnuOutputQuantity", "mnuOutputViewXSec", "mnuOutputViewLSec", "mnuOutputViewQty"})
     action(QLatin1String(name))->setEnabled(section);
   m_tbBlockBar->setVisible(section);
 }
@@ -710,6 +715,57 @@ void frmMain::fileSave() {
     sheet->HandleMenuEvent(sheets::frmDataGrid::kSave);
   else
     message(QStringLiteral("Disabled"), sheets::MessageIcon::Information);
+}
+
+void frmMain::fileImportLevels() {
+  if (!m_state.engine || m_state.lngSectionID < 1 || refusedWhileRunning()) return;
+  const QString folder = m_state.strDatabasePath.isEmpty()
+                             ? QDir::homePath()
+                             : QFileInfo(m_state.strDatabasePath).absolutePath();
+  const QString caption = QStringLiteral("Import Levels");
+  const QString filter = QStringLiteral("Survey files (*.csv *.txt *.asc);;All files (*)");
+  const QString path = m_openFile ? m_openFile(this, caption, folder, filter)
+                                  : QFileDialog::getOpenFileName(this, caption, folder, filter);
+  if (path.isEmpty()) return;
+  QString error;
+  const std::optional<QByteArray> bytes = engine::readSurveyFile(path, error);
+  if (!bytes) {
+    message(error, sheets::MessageIcon::Critical);
+    return;
+  }
+  // The Executed sheet in front says which levels the user is at.
+  const engine::LevelTable shown = activeSheetName() == QLatin1String("Executed")
+                                       ? engine::LevelTable::Executed
+                                       : engine::LevelTable::Initial;
+  const QString fileName = QFileInfo(path).fileName();
+  ImportLevelsDialog dialog(fileName, engine::surveyLines(*bytes), shown, this);
+  if (dialog.exec() != QDialog::Accepted) return;
+
+  const engine::LevelTable table = dialog.table();
+  const std::int32_t section = m_state.lngSectionID;
+  engine::LevelImportResult result;
+  try {
+    runEngine([&] {
+      result = engine::importLevels(*m_state.engine, fileName, dialog.layout(), dialog.read(),
+                                    table, section, dialog.replace());
+    });
+  } catch (const db::Error& failure) {
+    message(QStringLiteral("The levels could not be imported: ") + failure.message(),
+            sheets::MessageIcon::Critical);
+    return;
+  }
+  // Otherwise the error list says what to put right.
+  if (!result.written) return;
+  tableWritten(engine::levelTableName(table));
+  QString done = QStringLiteral(
+                     "Imported %1 readings at %2 chainages from %3 into the %4 levels "
+                     "of this section")
+                     .arg(result.rows)
+                     .arg(result.chainages)
+                     .arg(fileName, engine::levelTableName(table));
+  if (dialog.replace())
+    done += QStringLiteral(", in place of the %1 readings it held").arg(result.replaced);
+  message(done + QLatin1Char('.'), sheets::MessageIcon::Information);
 }
 
 QPrinter& frmMain::printer() {

@@ -113,6 +113,9 @@ class frmMain : public QMainWindow, public sheets::MainWindowLink {
   // project file, tells what was skipped, and offers to open the copy as File > Open does.
   void fileImportLegacy();
   void fileSave();
+  // Asks for a survey file, shows how it reads, and adds its readings to the levels of the
+  // current section.
+  void fileImportLevels();
   void filePageSetup();
   void filePrint();
   void editMenuEvent(std::int16_t command);

@@ -22,6 +22,7 @@ std::vector<const Command*> allCommands() {
   for (int i = 0; i < kPlotCommandCount; ++i) all.push_back(&kPlotCommands[i]);
   for (int i = 0; i < kViewCommandCount; ++i) all.push_back(&kViewCommands[i]);
   for (int i = 0; i < kLegacyCommandCount; ++i) all.push_back(&kLegacyCommands[i]);
+  for (int i = 0; i < kSurveyCommandCount; ++i) all.push_back(&kSurveyCommands[i]);
   return all;
 }
 

@@ -84,5 +84,7 @@ extern const Command kViewCommands[];
 extern const int kViewCommandCount;
 extern const Command kLegacyCommands[];
 extern const int kLegacyCommandCount;
+extern const Command kSurveyCommands[];
+extern const int kSurveyCommandCount;
 
 }  // namespace cli

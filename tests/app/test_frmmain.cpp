@@ -119,7 +119,8 @@ void TestFrmMain::menusFollowTheCurrentPackageAndSection_data() {
   QTest::addColumn<QString>("enabled");
   const QString outputs = QStringLiteral(
       "mnuDataDesign mnuDataDesignSummary mnuDataOutlets mnuDataInitial mnuDataExecuted "
-      "mnuOutputXSection mnuOutputLSection mnuOutputQuantity mnuOutputViewXSec mnuOutputViewLSec "
+      "mnuFileImportLevels mnuOutputXSection mnuOutputLSection mnuOutputQuantity mnuOutputViewXSec "
+      "mnuOutputViewLSec "
       "mnuOutputViewQty");
   QTest::newRow("no package") << 0 << 0 << ""
                               << "mnuDataPackage";
@@ -149,10 +150,11 @@ void TestFrmMain::menusFollowTheCurrentPackageAndSection() {
   QStringList found;
   for (const char* name :
        {"mnuDataPackage",    "mnuDataSections",   "mnuDataDesign",     "mnuDataDesignSummary",
-        "mnuDataOutlets",    "mnuDataInitial",    "mnuDataExecuted",   "mnuOutputXSection",
-        "mnuOutputLSection", "mnuOutputQuantity", "mnuOutputViewXSec", "mnuOutputViewLSec",
-        "mnuOutputViewQty",  "mnuEdit",           "mnuEditAdd",        "mnuViewDetail",
-        "mnuLockColumn",     "mnuViewFreeze",     "mnuViewRefresh",    "tbToolBar/Filter"})
+        "mnuDataOutlets",    "mnuDataInitial",    "mnuDataExecuted",   "mnuFileImportLevels",
+        "mnuOutputXSection", "mnuOutputLSection", "mnuOutputQuantity", "mnuOutputViewXSec",
+        "mnuOutputViewLSec", "mnuOutputViewQty",  "mnuEdit",           "mnuEditAdd",
+        "mnuViewDetail",     "mnuLockColumn",     "mnuViewFreeze",     "mnuViewRefresh",
+        "tbToolBar/Filter"})
     if (desk.action(name)->isEnabled()) found.append(QLatin1String(name));
   if (desk.window->tbBlockBar()->isVisible()) found.append(QStringLiteral("tbBlockBar"));
   if (desk.action("tbToolBar/Add")->isVisible()) found.append(QStringLiteral("tbToolBar/Add"));

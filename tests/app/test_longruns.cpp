@@ -60,9 +60,10 @@ class TestLongRuns : public QObject {
   // through.
   void commandsThatWouldDisturbARunAreRefused_data() {
     QTest::addColumn<QString>("command");
-    for (const char* command : {"mnuFileOpen", "tbToolBar/Open", "mnuFileExit", "mnuOutputViewQty",
-                                "tbBlockBar/QuantityReport", "mnuOutputXSection",
-                                "mnuOutputLSection", "mnuEditAdd", "mnuEditDelete", "drill-down"})
+    for (const char* command :
+         {"mnuFileOpen", "tbToolBar/Open", "mnuFileExit", "mnuOutputViewQty",
+          "tbBlockBar/QuantityReport", "mnuOutputXSection", "mnuOutputLSection", "mnuEditAdd",
+          "mnuEditDelete", "mnuFileImportLevels", "drill-down"})
       QTest::newRow(command) << command;
   }
   void commandsThatWouldDisturbARunAreRefused() {

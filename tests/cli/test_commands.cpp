@@ -85,7 +85,8 @@ TEST_P(CliCommandTest, ExitsAndPrintsAsExpected) {
       project.connection().exec(sql);
   const auto expand = [&project](QString text) {
     return text.replace(QStringLiteral("FILE"), project.path())
-        .replace(QStringLiteral("DIR/"), project.dir().path() + QLatin1Char('/'));
+        .replace(QStringLiteral("DIR/"), project.dir().path() + QLatin1Char('/'))
+        .replace(QStringLiteral("DATA/"), QStringLiteral(DELVANE_TEST_DATA "/"));
   };
   const QStringList args =
       expand(QString::fromUtf8(k.args)).split(QLatin1Char(' '), Qt::SkipEmptyParts);
@@ -131,6 +132,7 @@ TEST_P(CliCommandTest, ExitsAndPrintsAsExpected) {
 #define DOUBLING_3 "(()())(()())(()())"
 #define DOUBLING_18 DOUBLING_3 DOUBLING_3 DOUBLING_3 DOUBLING_3 DOUBLING_3 DOUBLING_3 "(1)"
 #define NAN_OFFSET "UPDATE Initial SET Offset='NaN' WHERE Chainage=0 AND Offset=20"
+#define SURVEY "survey/rmc_km1_resurvey.csv"
 
 INSTANTIATE_TEST_SUITE_P(
     Commands, CliCommandTest,
@@ -375,8 +377,35 @@ INSTANTIATE_TEST_SUITE_P(
                 "UPDATE DesignExp SET Offset='" DOUBLING_18 "' WHERE Serial=2",
                 "design-section FILE --section 1 --chainage 0", 1, "~centre level\t98",
                 "The Offset formula of DesignExp row Serial 2 grows beyond"},
-        CliCase{"SectionsOfAFolder", Project::None, nullptr, "sections DIR/", 3, "",
-                "is a folder"}),
+        CliCase{"SectionsOfAFolder", Project::None, nullptr, "sections DIR/", 3, "", "is a folder"},
+        // Survey files.
+        CliCase{"ImportLevels", Project::HandBuilt, nullptr,
+                "import-levels FILE --section 1 --csv DATA/" SURVEY, 0,
+                "Imported 27 readings at 3 chainages into the Initial levels of section 1.\n"},
+        CliCase{"ImportLevelsReplacing", Project::HandBuilt, nullptr,
+                "import-levels FILE --section 1 --csv DATA/" SURVEY " --replace", 0,
+                "~into the Initial levels of section 1, in place of its 10.\n"},
+        CliCase{"ImportExecutedLevelsJson", Project::HandBuilt, nullptr,
+                "import-levels FILE --section 1 --csv DATA/" SURVEY " --table Executed --json", 0,
+                R"(~"rows":27,"section":1,"table":"Executed","written":true})"},
+        CliCase{"ImportLevelsGuessesMetres", Project::HandBuilt, nullptr,
+                "import-levels FILE --section 1 --csv DATA/survey/rmc_km2_levels.txt --json", 0,
+                R"({"chainage_unit":"m","chainage_unit_guessed":true,"chainages":2,)"
+                R"("delimiter":"space","errors":[],"header_line":0,"replaced":0,"rows":6,)"
+                R"("section":1,"table":"Initial","written":true})"
+                "\n"},
+        CliCase{"ImportLevelsInTheUnitGiven", Project::HandBuilt, nullptr,
+                "import-levels FILE --section 1 --csv DATA/survey/rmc_km2_levels.txt "
+                "--chainage-unit km --json",
+                0, R"(~{"chainage_unit":"km","chainage_unit_guessed":false,)"},
+        CliCase{
+            "ImportLevelsRefusesReadingsTheTableHolds", Project::Demo, nullptr,
+            "import-levels FILE --section 1 --csv DATA/" SURVEY, 1, "",
+            "rmc_km1_resurvey.csv, line 8, column 1 (chainage): the Initial levels of section 1 "
+            "already hold chainage 1.02 and offset 0: '1+020.000,0.000,151.875,CL'.\n"},
+        CliCase{"ImportLevelsOfAMissingFile", Project::HandBuilt, nullptr,
+                "import-levels FILE --section 1 --csv DIR/none.csv", 3, "",
+                "none.csv cannot be opened"}),
     [](const auto& info) { return std::string(info.param.name); });
 
 // Each bad command line against one demo project: exit 2, nothing printed, an error naming the
@@ -440,13 +469,19 @@ TEST(CliUsage, BadCommandLinesExitWithUsageAndWriteNothing) {
       {"section-points FILE --section 99 --chainage 0.5", "no section 99"},
       {"plot FILE --section 1 --output DIR/x.pdf --typical --long", "--long"},
       {"plot FILE --section 1 --output DIR/x.pdf --typical --pages 1", "--pages"},
+      {"import-levels FILE --section 1", "--csv"},
+      {"import-levels FILE --section 1 --csv DIR/s.csv --table design", "--table"},
+      {"import-levels FILE --section 1 --csv DIR/s.csv --chainage-unit ft", "--chainage-unit"},
+      {"import-levels FILE --section 99 --csv DATA/" SURVEY, "no section 99"},
   };
   for (const auto& k : cases) {
     SCOPED_TRACE(k.args);
-    const QStringList args = QString::fromUtf8(k.args)
-                                 .replace(QStringLiteral("FILE"), project.path())
-                                 .replace(QStringLiteral("DIR/"), dir.path() + QLatin1Char('/'))
-                                 .split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    const QStringList args =
+        QString::fromUtf8(k.args)
+            .replace(QStringLiteral("FILE"), project.path())
+            .replace(QStringLiteral("DIR/"), dir.path() + QLatin1Char('/'))
+            .replace(QStringLiteral("DATA/"), QStringLiteral(DELVANE_TEST_DATA "/"))
+            .split(QLatin1Char(' '), Qt::SkipEmptyParts);
     const auto r = runCli(args);
     EXPECT_EQ(r.code, cli::kUsage);
     EXPECT_EQ(r.out.toStdString(), "");
@@ -454,6 +489,27 @@ TEST(CliUsage, BadCommandLinesExitWithUsageAndWriteNothing) {
     EXPECT_TRUE(r.err.contains(QString::fromUtf8(k.err))) << r.err.toStdString();
     EXPECT_EQ(dir.entryList(QDir::Files), files);
   }
+}
+
+// The second import of a file meets the readings of the first: they were written.
+TEST(CliImportLevels, ASecondImportMeetsTheReadingsOfTheFirst) {
+  TempProject project;
+  project.create();
+  project.connection().exec(QStringLiteral("INSERT INTO Sections (ID, PackageID) VALUES (4, 1)"));
+  const QStringList args{
+      QStringLiteral("import-levels"), project.path(),
+      QStringLiteral("--section"),     QStringLiteral("4"),
+      QStringLiteral("--csv"),         QStringLiteral(DELVANE_TEST_DATA "/" SURVEY)};
+  EXPECT_EQ(runCli(args).code, cli::kOk);
+  const auto again = runCli(args);
+  EXPECT_EQ(again.code, cli::kDataProblems);
+  EXPECT_TRUE(again.err.startsWith(QLatin1String(
+      "rmc_km1_resurvey.csv, line 4, column 1 (chainage): the Initial levels of section 4")))
+      << again.err.toStdString();
+  EXPECT_EQ(testsupport::rowCount(project.connection(), QStringLiteral("Initial"),
+                                  QStringLiteral("SectionID=4 AND Chainage=1.06 AND Offset=12.5 "
+                                                 "AND Level=152.112")),
+            1);
 }
 
 TEST(CliNew, CreatesDemoAndListsItsSections) {
